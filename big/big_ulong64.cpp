@@ -1,0 +1,5 @@
+#include "big_frame.h"
+
+#define BIG_SOURCE_PATH "big/big_ulong64"
+
+static MEM_INITIALIZER s_mem_initializer("BIG");

@@ -1,0 +1,73 @@
+#ifndef BIG_FRACTION_SYS_H
+#define BIG_FRACTION_SYS_H
+
+/// @file
+/// Exact fractions with a floating-point shadow.
+
+#include "big_sys.h"
+
+/// A number kept in two forms at once: a fraction of two signed 64-bit integers, when one is known,
+/// and a double that is always carried along. What overflows the integers goes on as the double
+/// alone.
+///
+/// The integers are not always in lowest terms, and the sign may sit in either.
+class BIG_API BIG_FRACTION {
+public:
+    /// The relative tolerance of operator== where it falls back to the doubles.
+    static constexpr double EQUALITY_PRECISION = 1e-10;
+
+    /// 0/1.
+    BIG_INLINE BIG_FRACTION() : m_numerator(0), m_denominator(1), m_value(0.0) {}
+    /// A fraction, reduced; the double is the quotient of the arguments as given. A denominator of
+    /// 0 is not refused: it gives no exact form and an infinity or not-a-number.
+    BIG_FRACTION(long long numerator, long long denominator);
+    /// A double. Only 0 has an exact form at once; fractionalize() looks for another.
+    BIG_FRACTION(double value);
+
+    /// Whether there is an exact form.
+    BIG_INLINE bool is_fractional() const { return m_denominator != 0; }
+    /// The numerator. Internal error without an exact form: "is_fractional()", tag "BIG", path
+    /// "h/big_fraction_sys".
+    BIG_INLINE long long get_numerator() const {
+        if (!(is_fractional()))
+            err_report_internal_error("is_fractional()", "BIG", "h/big_fraction_sys", __LINE__);
+        return m_numerator;
+    }
+    /// The denominator; 0 when there is no exact form.
+    BIG_INLINE long long get_denominator() const { return m_denominator; }
+    /// The number as a double.
+    BIG_INLINE double get_value() const { return m_value; }
+
+    /// Looks for an exact form in millionths if there is none: a number of at most six decimal
+    /// places has one, and a negative number always gets the one it has when cut to six places.
+    /// @return whether there is an exact form now
+    bool fractionalize();
+
+    /// Sum, difference and quotient of both forms. The exact form is lost when an operand has none,
+    /// when it does not fit, and on division by 0.
+    BIG_FRACTION& operator+=(BIG_FRACTION const& other);
+    BIG_FRACTION& operator-=(BIG_FRACTION const& other);
+    BIG_FRACTION& operator/=(BIG_FRACTION const& other);
+
+    /// Names the members to a segment, which reads or writes them; its end_object() is the result.
+    bool operator<<(PDB_SEGMENT_TEMPLATE<PDB_ANY_SEG_BASE>& segment);
+
+    /// The class's registration record.
+    static PDB_CLASS_THUNK<BIG_FRACTION> s_thunk;
+
+private:
+    friend bool operator==(BIG_FRACTION const& a, BIG_FRACTION const& b);
+
+    long long m_numerator;
+    long long m_denominator; ///< 0 when there is no exact form
+    double m_value;
+};
+
+/// The quotient of two fractions.
+BIG_API BIG_FRACTION operator/(BIG_FRACTION dividend, BIG_FRACTION const& divisor);
+
+/// Exact when both have an exact form whose cross products fit 64 bits; otherwise the doubles are
+/// compared to a tolerance relative to b.
+BIG_API bool operator==(BIG_FRACTION const& a, BIG_FRACTION const& b);
+
+#endif

@@ -1,0 +1,730 @@
+#ifndef BIG_SYS_H
+#define BIG_SYS_H
+
+/// @file
+/// Exact quantities for electronic-design tools: times with their units, frequencies, unsigned
+/// integers of up to 128 bits, decimal numbers held as text, and bit vectors in every radix.
+///
+/// The captions follow the library's source files: time values, 64-bit integer text, 128-bit
+/// integers, utilities, radix conversion. Fractions are in big_fraction_sys.h.
+///
+/// Failures come in two kinds. An *internal error* (a failed precondition, an overflow, a division
+/// by zero) goes to err_report_internal_error() and never returns; the standalone platform throws
+/// ERR_INTERNAL_ERROR. Its tag is "2" and its path that of the source file, unless said otherwise.
+/// Anything a user can type fails softly: by a result, a debug message, or a numbered message where
+/// the caller asks for one.
+
+#include "err_sys.h"
+
+#include <string>
+
+/// Marks what the library exports.
+#define BIG_API __attribute__((visibility("default")))
+/// Marks a class member that the library keeps to itself.
+#define BIG_LOCAL __attribute__((visibility("hidden")))
+
+/// Marks a short member that is compiled into its callers. The library defines it so that the
+/// member is kept as an exported symbol too.
+#ifndef BIG_INLINE
+#define BIG_INLINE inline
+#endif
+
+template <typename SEGMENT_BASE>
+class PDB_SEGMENT_TEMPLATE;
+class PDB_ANY_SEG_BASE;
+
+/// The registration record of a stored class T; see PDB_THUNK_INFO.
+template <typename T>
+class PDB_CLASS_THUNK;
+
+// ------------------------------------------------------------------------------------------------
+// Time values
+// ------------------------------------------------------------------------------------------------
+
+/// A time, a frequency or a data rate: a signed 64-bit count of the storage unit of its category
+/// (picoseconds, hertz, bits per second) and the unit in which it was given and in which it prints.
+///
+/// The unit does not change what the count means within a category: 2 ns and 2000 ps hold the same
+/// 2000. Arithmetic works on the counts and does not look at units; only comparison and change of
+/// unit do.
+class BIG_API BIG_TIME {
+public:
+    /// The units. The numbers are saved in databases and compared, so they never change.
+    enum TIME_UNIT : int {
+        MIN_TIME_UNITS = 0, ///< the first unit
+        UNIT_NONE = 0,      ///< no unit: a plain count, which counts as a time
+        UNIT_FS = 1,
+        UNIT_PS = 2,
+        UNIT_NS = 3,
+        UNIT_US = 4,
+        UNIT_MS = 5,
+        UNIT_S = 6,
+        UNIT_HZ = 7,
+        UNIT_KHZ = 8,
+        UNIT_MHZ = 9,
+        UNIT_GHZ = 10,
+        UNIT_TEN_TH_NS = 11, ///< a tenth of a nanosecond
+        UNIT_BPS = 12,
+        UNIT_MBPS = 13,
+        UNIT_GBPS = 14,
+        MAX_TIME_UNIT = 15, ///< one past the last unit; the answer for a text that names no unit
+    };
+
+    /// What a unit measures. 3 is never used.
+    enum UNIT_CATEGORY : unsigned int {
+        TIME_CATEGORY = 0,
+        FREQUENCY_CATEGORY = 1,
+        DATA_RATE_CATEGORY = 2,
+        INVALID_CATEGORY = 4,
+    };
+
+    /// Entries of s_power_10_table.
+    static constexpr unsigned long MAX_DIGITS_IN_SMALLEST_TIME_UNIT = 19;
+
+    // --- Units and their tables ---
+
+    /// The name of each unit, which parsing accepts and printing appends; empty for UNIT_NONE.
+    static char const* const s_unit_strings[MAX_TIME_UNIT];
+    /// For each unit the power of ten that takes it to the storage unit of its category: 3 for ns
+    /// (1000 ps), -3 for fs (1000 fs are 1 ps). A positive entry is also the number of decimal
+    /// places that a value in the unit can carry without loss.
+    static int const s_fraction_digits[MAX_TIME_UNIT];
+    /// 10^0 to 10^18.
+    static long long const s_power_10_table[MAX_DIGITS_IN_SMALLEST_TIME_UNIT];
+
+    /// What a unit measures; INVALID_CATEGORY below 0 and from 15 on. Never fails.
+    static UNIT_CATEGORY get_unit_category(TIME_UNIT unit);
+
+    /// The name of a unit. Internal errors: "unit >= MIN_TIME_UNITS" below 0, "unit <
+    /// MAX_TIME_UNIT" from 15 on.
+    static char const* get_time_unit_string(TIME_UNIT unit);
+
+    /// The name of the unit with a number. Internal error outside 0 to 14: "index >=
+    /// MIN_TIME_UNITS && index < MAX_TIME_UNIT".
+    static char const* get_unit_name(int index);
+
+    /// The decimal places that a value in a unit can carry without loss. Internal errors: "unit >=
+    /// MIN_TIME_UNITS" below 0, "unit < MAX_TIME_UNIT" from 15 on, and, for femtoseconds, which
+    /// keep no decimal place in picoseconds, "max_precision >= 0 && max_precision <= USHRT_MAX".
+    static unsigned short get_max_precision_for(TIME_UNIT unit);
+
+    /// 10^index, for 0 to 18. Internal error above: "index < MAX_DIGITS_IN_SMALLEST_TIME_UNIT".
+    static long long get_power_table(unsigned long index);
+
+    /// Reads a unit's name without regard to letter case. Null and blank texts name UNIT_NONE; null
+    /// also writes a debug message.
+    ///
+    /// @param unit receives the unit; left as it is when the text names none
+    /// @return whether the text names a unit; if not, a debug message says so
+    static bool extract_time_units(char const* text, TIME_UNIT& unit);
+
+    /// Takes the numerically smaller of two units, which is the unit of a sum; the count stays.
+    /// Smaller by number, not by size: ps (2) beats ns (3), and UNIT_NONE (0) beats everything.
+    void set_smaller_unit(TIME_UNIT a, TIME_UNIT b);
+
+    // --- Construction and setting from numbers ---
+
+    /// 0 with UNIT_NONE, the default state.
+    BIG_INLINE BIG_TIME() {}
+    BIG_INLINE BIG_TIME(BIG_TIME const& other) : m_value(other.m_value), m_unit(other.m_unit) {}
+    BIG_INLINE BIG_TIME& operator=(BIG_TIME const& other) {
+        m_value = other.m_value;
+        m_unit = other.m_unit;
+        return *this;
+    }
+    /// Does nothing. It is not defaulted because arrays of a class with a destructor of its own
+    /// keep their count in front, on which stored arrays rely.
+    BIG_INLINE ~BIG_TIME() {}
+
+    /// A number of units, as set_time() takes it. When it refuses, the default state stays and the
+    /// debug message "BIG_TIME constructor failed" is written.
+    BIG_TIME(long long value, TIME_UNIT unit);
+    BIG_TIME(long long value, std::string const& unit_text);
+
+    /// Holds a number of units. A unit outside 0 to 14, or a text that names none, returns false
+    /// and changes nothing. Internal errors are those of compute_storage_number().
+    ///
+    /// @param value     the number, scaled into the storage unit
+    /// @param unit_text a unit's name in any letter case; blank for UNIT_NONE
+    bool set_time(long long value, TIME_UNIT unit);
+    bool set_time(long long value, std::string const& unit_text);
+
+    /// Holds a plain count with UNIT_NONE.
+    BIG_TIME& operator=(long long value);
+
+    // --- Construction and setting from text ---
+
+    /// A text, as the set_time() with the same arguments takes it. When that refuses, the default
+    /// state stays and the debug message "BIG_TIME constructor failed" is written.
+    BIG_TIME(std::string const& number_text, TIME_UNIT unit, bool post_messages);
+    BIG_TIME(std::string const& number_text, std::string const& unit_text, bool post_messages);
+    BIG_TIME(std::string const& text, bool post_messages);
+
+    /// Reads a decimal number in a unit: an optional sign, digits with at most one point, and
+    /// digits finer than the unit holds are cut off. The last form reads number and unit from one
+    /// text: "1.5ns", "-20 ps", "250". Whatever is refused leaves the default state.
+    ///
+    /// @param unit_text     a unit's name in any letter case; blank for UNIT_NONE
+    /// @param post_messages whether to post message 1 when the text is refused and message 2 when
+    ///                      digits other than 0 are cut off
+    /// @return whether the text was read
+    bool set_time(std::string const& number_text, TIME_UNIT unit, bool post_messages);
+    bool set_time(std::string const& number_text, std::string const& unit_text, bool post_messages);
+    bool set_time(std::string const& text, bool post_messages);
+
+    /// set_time(text, true), whose result is dropped.
+    BIG_TIME& operator=(std::string const& text);
+
+    /// Splits a text into its number and its unit: the longest prefix of the characters
+    /// "1234567890.-+" and, without the blanks between, the rest. White space at both ends goes.
+    static void separate_time_num_and_unit(std::string const& text, std::string& number,
+                                           std::string& unit);
+
+    /// Brings the text of a number into the canonical form for a unit: no needless zeros, no plus
+    /// sign, and no digit finer than the unit holds.
+    ///
+    /// @param text          the number; its canonical form afterwards, untouched on failure
+    /// @param post_messages whether to post message 2 when digits other than 0 were cut off
+    /// @return false for an illegal number and for a unit outside 0 to 14
+    static bool format_time_string(std::string& text, TIME_UNIT const& unit, bool post_messages);
+
+    /// Reads a number in a unit into the storage unit.
+    ///
+    /// @param value receives the number in the storage unit; untouched unless 0 is returned
+    /// @return 0 legal; 1 illegal number, too large for 64 bits, or a negative frequency or rate; 2
+    ///         unit outside 0 to 14
+    static int string_to_big_int(std::string const& text, TIME_UNIT const& unit, long long& value,
+                                 bool post_messages);
+
+    /// Whether set_time() would read the text: string_to_big_int()'s status, without messages.
+    static int is_legal(std::string const& number_text, TIME_UNIT unit);
+    static int is_legal(std::string const& number_text, std::string const& unit_text);
+    static int is_legal(std::string const& text);
+
+    /// Whether storing a text would cut off digits other than 0. Never posts. A text without a
+    /// number or a known unit is not truncated.
+    ///
+    /// @param text           number and unit; null or empty gives false and leaves truncated_text
+    /// @param truncated_text receives the text as stored if it is truncated, else the text as
+    /// given.
+    ///                       A sign of either kind comes back as '-', with the point one place
+    ///                       early, and femtoseconds with a point may throw std::out_of_range: both
+    ///                       are relied on.
+    static bool will_value_be_truncated(char const* text, std::string& truncated_text);
+
+    // --- Storage ---
+
+    /// The stored count as it is.
+    BIG_INLINE long long get_time_value() const { return m_value; }
+    /// The unit.
+    BIG_INLINE TIME_UNIT get_time_unit() const { return static_cast<TIME_UNIT>(m_unit); }
+    /// Whether the stored count is below 0.
+    BIG_INLINE bool is_negative() const { return m_value < 0; }
+
+    /// Scales a number of units into the storage unit, exactly. Femtoseconds are cut toward zero to
+    /// whole picoseconds.
+    ///
+    /// Internal errors: "Wrong concept: Negative frequency!" and "Wrong concept: 0 MHz!" for a
+    /// negative or zero frequency or data rate; overflow_error() when the result does not fit 64
+    /// bits. @param unit 0 to 14; outside, the internal errors of get_time_unit_string()
+    static long long compute_storage_number(long long value, TIME_UNIT unit);
+
+    /// The stored count; for a frequency other than 0 its period in picoseconds, cut toward zero.
+    long long get_storage_number() const;
+
+    /// Stores a count and keeps the unit. For a frequency the count is a period in picoseconds, of
+    /// which the frequency, cut toward zero, is stored; 0 is the internal error "Integer division
+    /// by zero".
+    void set_storage_number(long long count);
+
+    /// Whether get_storage_number() fits a signed integer of some bytes (8 and more always do).
+    bool safe_to_convert(unsigned int byte_count) const;
+
+    /// get_storage_number() as a 32-bit delay, or -2147483647 (0x80000001) when it does not fit.
+    int convert_to_tsm_delay() const;
+
+    /// False only for a frequency of 0; a data rate of 0 is legal.
+    bool is_legal() const;
+
+    /// False for a negative frequency or data rate, with a debug message; true for anything else.
+    static bool is_logically_legal(long long const& value, TIME_UNIT const& unit);
+
+    // --- Arithmetic, on the stored counts whatever their units ---
+
+    /// Sum and difference, which wrap; the unit is the one set_smaller_unit() takes.
+    BIG_TIME operator+(BIG_TIME const& other) const;
+    BIG_TIME operator-(BIG_TIME const& other) const;
+    BIG_TIME& operator+=(BIG_TIME const& other);
+    BIG_TIME& operator-=(BIG_TIME const& other);
+
+    /// The negated count with UNIT_NONE: negation drops the unit. Internal error "Overflow" for
+    /// -2^63.
+    BIG_TIME operator-();
+
+    /// Quotient, cut toward zero, and remainder, with the sign of the dividend, of two counts.
+    /// Internal errors: "Division by Zero", "Modulo by Zero"; overflow_error() for -2^63 by -1.
+    long long operator/(BIG_TIME const& other) const;
+    long long operator%(BIG_TIME const& other) const;
+
+    /// The count times a factor, which wraps; the unit stays.
+    BIG_TIME operator*(long long const& factor) const;
+    BIG_TIME& operator*=(long long const& factor);
+
+    /// The count divided by a number, cut toward zero; the unit stays. Internal error "Division by
+    /// Zero"; overflow_error() for -2^63 by -1.
+    BIG_TIME operator/(long long const& divisor) const;
+    BIG_TIME& operator/=(long long const& divisor);
+
+    /// The remainder of the count by a number; the unit becomes UNIT_NONE. Internal error "Modulo
+    /// by Zero"; overflow_error() for -2^63 by -1.
+    BIG_TIME& operator%=(long long const& divisor);
+
+    // --- Comparison and change of unit ---
+
+    /// Equal counts of one category; a frequency and a data rate of equal count are equal too. With
+    /// the switch "big_time_strict_unit_mode" only a data rate on the left equals a frequency.
+    bool operator==(BIG_TIME const& other) const;
+
+    /// Compares the counts. When neither is 0 and the categories differ, the switches
+    /// "big_time_debug_unit_mismatches", "big_time_strict_unit_mode" and
+    /// "big_time_ie_on_unit_mismatch" ask for a debug message, and the last two for the internal
+    /// error "Cannot compare incompatible units!" (the last one not for a frequency and a rate).
+    bool operator<(BIG_TIME const& other) const;
+
+    /// Changes one time unit into another; the count stays. A change from or to a frequency or data
+    /// rate is refused with a debug message, and with the switch
+    /// "big_time_ie_on_unit_conversion_error" is an internal error of the same text. Internal error
+    /// "Time Unit out of range" outside 1 to 14.
+    void set_time_unit(TIME_UNIT unit);
+
+    // --- Text ---
+
+    /// Places the decimal point for a unit in a text of an optional sign and decimal digits: 5 in
+    /// ns becomes 0.005. Internal error "result_string != NULL" for a null text. @param unit 0 to
+    /// 14; outside, the internal errors of get_time_unit_string()
+    void add_decimal(std::string* text, TIME_UNIT unit) const;
+
+    /// The number in a unit, rounded half up on the magnitude. A frequency in a time unit prints
+    /// its period and the other way round, with "INF" for 0.
+    ///
+    /// @param text      receives the number as its whole content, and is returned
+    /// @param unit      0 to 14, or -1 for the own unit; outside, the internal errors of
+    ///                  get_time_unit_string(). A frequency printed with -1 prints its period's
+    ///                  digits: to_string() does not.
+    /// @param precision decimal places to keep; never adds any
+    /// @param trim      whether to drop trailing zeros, all but one after the point
+    std::string* to_string_without_unit(std::string* text, TIME_UNIT unit, unsigned short precision,
+                                        bool trim) const;
+    std::string to_string_without_unit(TIME_UNIT unit, unsigned short precision, bool trim) const;
+
+    /// The same, then a blank and the unit's name; UNIT_NONE has neither.
+    std::string* to_string(std::string* text, TIME_UNIT unit, unsigned short precision,
+                           bool trim) const;
+    std::string to_string(TIME_UNIT unit, unsigned short precision, bool trim) const;
+
+    /// Number and unit, trimmed. A frequency or data rate prints in its own unit, everything else
+    /// in the unit from ps to s that its magnitude asks for before rounding.
+    ///
+    /// @param precision decimal places to keep; 0 is taken as 1
+    std::string* to_string(std::string* text, unsigned short precision) const;
+    std::string to_string(unsigned short precision) const;
+
+    /// Every digit in the own unit, trailing zeros dropped but one after the point, a blank and the
+    /// unit's name; the blank is there for UNIT_NONE too.
+    std::string to_raw_string() const;
+
+    // --- Storage in a database ---
+
+    /// Names the members to a segment, which reads or writes them; its end_object() is the result.
+    bool operator<<(PDB_SEGMENT_TEMPLATE<PDB_ANY_SEG_BASE>& segment);
+
+    /// The class's registration record.
+    static PDB_CLASS_THUNK<BIG_TIME> s_thunk;
+
+private:
+    /// Reports the internal error "Overflow" with the tag "BIG".
+    [[noreturn]] BIG_LOCAL static void overflow_error() {
+        err_report_internal_error("Overflow", "BIG", "h/big_sys", __LINE__);
+    }
+
+    long long m_value = 0;
+    int m_unit = UNIT_NONE; ///< a TIME_UNIT, as the integer that databases transfer
+};
+
+/// A clock frequency in hertz as a double, beside periods in integer picoseconds. Exactness is not
+/// its goal: results are those of double arithmetic.
+class BIG_API BIG_FREQUENCY {
+public:
+    /// No frequency: 0 Hz.
+    static BIG_FREQUENCY BIG_INVALID_FREQUENCY;
+
+    /// No frequency: 0 Hz.
+    BIG_INLINE BIG_FREQUENCY() {}
+    /// compute_from_period(period).
+    BIG_FREQUENCY(int period);
+    /// compute_from_big_time(time).
+    BIG_FREQUENCY(BIG_TIME& time);
+
+    /// The frequency in hertz; 0 means none.
+    BIG_INLINE double get_value() const { return m_value; }
+
+    /// Takes the frequency of a period.
+    ///
+    /// @param period picoseconds; -2147483647 (0x80000001) gives 0 Hz, 0 gives infinity
+    void compute_from_period(int period);
+
+    /// Takes a frequency as it is, unless its period is below 1 ps, which gives 0 Hz; takes any
+    /// other time, a data rate too, as a period in picoseconds.
+    void compute_from_big_time(BIG_TIME time);
+
+    /// Writes the period in picoseconds, cut toward zero; leaves *period when the frequency is 0. A
+    /// period that does not fit, a not-a-number included, becomes the smallest number of the type.
+    void compute_period(int* period);
+    void compute_period(long long* period);
+
+    /// Names the members to a segment, which reads or writes them; its end_object() is the result.
+    bool operator<<(PDB_SEGMENT_TEMPLATE<PDB_ANY_SEG_BASE>& segment);
+
+    /// The class's registration record.
+    static PDB_CLASS_THUNK<BIG_FREQUENCY> s_thunk;
+
+private:
+    friend BIG_FREQUENCY operator*(BIG_FREQUENCY frequency, long long factor);
+    friend BIG_FREQUENCY operator/(BIG_FREQUENCY frequency, long long divisor);
+
+    double m_value = 0.0;
+};
+
+/// A frequency times a number, in double arithmetic.
+BIG_API BIG_FREQUENCY operator*(BIG_FREQUENCY frequency, long long factor);
+/// A frequency divided by a number, in double arithmetic; 0 gives an infinity or not-a-number.
+BIG_API BIG_FREQUENCY operator/(BIG_FREQUENCY frequency, long long divisor);
+
+// ------------------------------------------------------------------------------------------------
+// 64-bit integer text
+// ------------------------------------------------------------------------------------------------
+
+/// A signed 64-bit integer in decimal.
+///
+/// @param out receives the text as its whole content, and is returned
+BIG_API std::string* big_long64_to_string(long long value, std::string* out);
+BIG_API std::string big_long64_to_string(long long value);
+
+/// An unsigned 64-bit integer in decimal.
+///
+/// @param out receives the text as its whole content, and is returned
+BIG_API std::string* big_ulong64_to_string(unsigned long long value, std::string* out);
+BIG_API std::string big_ulong64_to_string(unsigned long long value);
+
+/// The number that the decimal digits of a text form; every other character is skipped: "1,234" is
+/// 1234, "-7" is 7, "abc" is 0. Internal error "big number over flow" from the 21st digit on
+/// (leading zeros count) and when the first 19 of 20 digits times ten do not fit 64 bits; the 20th
+/// digit itself is added without a check and may wrap.
+BIG_API unsigned long long big_ulong64_from_string(std::string const& text);
+
+/// The same, negated in two's complement when the text holds a '-' anywhere.
+BIG_API long long big_long64_from_string(std::string const& text);
+
+// ------------------------------------------------------------------------------------------------
+// 128-bit integers
+// ------------------------------------------------------------------------------------------------
+
+class BIG_ULONG128_DECIMAL_TABLE;
+
+/// An unsigned integer of up to 128 bits whose arithmetic never wraps: overflow, underflow and
+/// division by zero are internal errors, and the operands keep their values.
+///
+/// An erased value is undefined: is_defined() is false and it is equal only to another one, less
+/// than every defined value, and 0 where a number is needed.
+class BIG_API BIG_ULONG128 {
+public:
+    /// Cells of 32 bits that a value can use.
+    static constexpr int MAX_CELL = 4;
+
+    /// Powers of ten from 10^0 to 10^38, built when the library is loaded.
+    static BIG_ULONG128_DECIMAL_TABLE s_table;
+
+    // --- Construction and assignment ---
+
+    /// 0.
+    BIG_INLINE BIG_ULONG128() : m_length(1), m_cells{} {}
+    BIG_INLINE BIG_ULONG128(unsigned int value) : m_length(1), m_cells{value} {}
+    /// A negative number gives 0 and a debug message.
+    BIG_ULONG128(int value);
+    BIG_INLINE BIG_ULONG128(unsigned long long value)
+        : m_length(value > 0xFFFFFFFFu ? 2 : 1), m_cells{static_cast<unsigned int>(value),
+                                                         static_cast<unsigned int>(value >> 32)} {}
+    BIG_ULONG128(BIG_ULONG128 const& other);
+    BIG_ULONG128& operator=(BIG_ULONG128 const& other);
+    BIG_ULONG128& operator=(unsigned long long value);
+    BIG_ULONG128& operator=(unsigned int const& value);
+    BIG_INLINE ~BIG_ULONG128() {}
+
+    // --- Arithmetic ---
+
+    /// Adds other x 2^(32 shift) in place.
+    ///
+    /// Internal errors, which leave the value as it was: "Overflow" when other would reach below
+    /// cell 0 or past cell 3, "i < BIG_ULONG128::MAX_CELL" for another negative shift, and
+    /// "(m_length+1) <= BIG_ULONG128::MAX_CELL" for a carry out of cell 3.
+    void partial_add(int shift, BIG_ULONG128 const& other);
+
+    /// Sum. Internal error on overflow: "(m_length+1) <= BIG_ULONG128::MAX_CELL".
+    BIG_ULONG128 operator+(BIG_ULONG128 const& other) const;
+    BIG_ULONG128& operator+=(BIG_ULONG128 const& other);
+    BIG_ULONG128& operator++();
+    BIG_ULONG128 operator++(int);
+
+    /// Difference. Internal error when other is the larger: "Underflow".
+    BIG_ULONG128 operator-(BIG_ULONG128 const& other) const;
+    BIG_ULONG128& operator-=(BIG_ULONG128 const& other);
+    BIG_ULONG128& operator--();
+    BIG_ULONG128 operator--(int);
+
+    /// Product. Internal errors on overflow: "Overflow" when a partial product would reach past
+    /// cell 3, "(m_length+1) <= BIG_ULONG128::MAX_CELL" when a carry would.
+    BIG_ULONG128 operator*(BIG_ULONG128 const& other) const;
+    BIG_ULONG128& operator*=(BIG_ULONG128 const& other);
+
+    /// Quotient, rounded down. Internal error: "Division by Zero".
+    BIG_ULONG128 operator/(unsigned int const& divisor) const;
+    BIG_ULONG128 operator/(BIG_ULONG128 const& divisor) const;
+    BIG_ULONG128& operator/=(BIG_ULONG128 const& divisor);
+
+    /// Remainder. Internal errors: "Division by Zero" from %, "Modulo by Zero" from %=.
+    BIG_ULONG128 operator%(BIG_ULONG128 const& divisor) const;
+    BIG_ULONG128& operator%=(BIG_ULONG128 const& divisor);
+
+    // --- Comparison and logic; zero is false ---
+
+    bool operator==(BIG_ULONG128 const& other) const;
+    bool operator!=(BIG_ULONG128 const& other) const;
+    bool operator>(BIG_ULONG128 const& other) const;
+    bool operator>=(BIG_ULONG128 const& other) const;
+    bool operator<(BIG_ULONG128 const& other) const;
+    bool operator<=(BIG_ULONG128 const& other) const;
+    bool operator!();
+    bool operator&&(BIG_ULONG128 const& other) const;
+    bool operator||(BIG_ULONG128 const& other) const;
+
+    // --- Access ---
+
+    /// The low 64 bits.
+    unsigned long long get_low_qword();
+    /// The high 64 bits.
+    unsigned long long get_high_qword();
+    /// Whether the value is defined; see erase().
+    bool is_defined();
+    /// Makes the value undefined.
+    void erase();
+
+    // --- Text ---
+
+    /// The value in decimal, without leading zeros. Zero and an erased value give an empty text:
+    /// callers that want "0" supply it.
+    ///
+    /// @param out receives the text as its whole content, and is returned
+    std::string* to_string(std::string* out) const;
+    std::string to_string() const;
+
+private:
+    friend class BIG_ULONG128_INSPECTOR;
+
+    int m_length;                   ///< cells in use; 0 means undefined
+    unsigned int m_cells[MAX_CELL]; ///< base 2^32, least significant first
+};
+
+/// The powers of ten that BIG_ULONG128 prints by.
+class BIG_API BIG_ULONG128_DECIMAL_TABLE {
+public:
+    /// Builds the table.
+    BIG_ULONG128_DECIMAL_TABLE();
+    ~BIG_ULONG128_DECIMAL_TABLE();
+
+    /// 10^0 to 10^38, then a 0 that is never read.
+    BIG_ULONG128 m_powers[40];
+};
+
+// ------------------------------------------------------------------------------------------------
+// Common divisors
+// ------------------------------------------------------------------------------------------------
+
+/// The greatest common divisor by repeated subtraction. Two equal operands, two zeros included,
+/// give that operand.
+///
+/// @pre not exactly one operand is 0: the loop would never end
+///
+/// The signed forms take the magnitudes; a result of 2^63 comes back as -2^63.
+BIG_API unsigned int big_gcd_additive(unsigned int a, unsigned int b);
+BIG_API long long big_gcd_additive(long long a, long long b);
+BIG_API BIG_ULONG128 big_gcd_additive(BIG_ULONG128 a, BIG_ULONG128 b);
+
+/// The greatest common divisor by remainders (Euclid, Elements VII.2). An operand of 0 gives the
+/// other one.
+///
+/// The signed forms take the magnitudes; a result of 2^63 comes back as -2^63.
+BIG_API unsigned int big_gcd_modulo(unsigned int a, unsigned int b);
+BIG_API long long big_gcd_modulo(long long a, long long b);
+BIG_API BIG_ULONG128 big_gcd_modulo(BIG_ULONG128 a, BIG_ULONG128 b);
+
+/// The greatest common divisor by halving and subtracting (Stein 1967). An operand of 0 gives the
+/// other one.
+///
+/// The signed forms take the magnitudes; a result of 2^63 comes back as -2^63.
+BIG_API unsigned int big_gcd_binary(unsigned int a, unsigned int b);
+BIG_API long long big_gcd_binary(long long a, long long b);
+BIG_API BIG_ULONG128 big_gcd_binary(BIG_ULONG128 a, BIG_ULONG128 b);
+
+/// Divides both by their greatest common divisor. Two negatives become positive, one keeps its
+/// sign; two zeros stay.
+BIG_API void big_suppress_gcd(long long& numerator, long long& denominator);
+
+// ------------------------------------------------------------------------------------------------
+// Decimal numbers held as text
+// ------------------------------------------------------------------------------------------------
+//
+// A number is an optional sign, digits, at most one point and more digits; what may follow (a unit)
+// is kept. The form is not checked. A blank is one of the bytes 9 to 13 and 32.
+
+/// Removes the leading blanks.
+BIG_API void big_trim_begin_blankspace(std::string& s);
+/// Removes the trailing blanks.
+BIG_API void big_trim_end_blankspace(std::string& s);
+
+/// Drops the digits after the point beyond `precision`, and the point itself for 0. Never adds any.
+BIG_API void big_truncate_to_precision(std::string* s, unsigned int precision);
+
+/// Drops the zeros that end a number with a point, all but a character directly after the point.
+BIG_API void big_trim_end_zero(std::string* s);
+
+/// The number that a text of digits forms. A point ends it, with the digits before it counted as if
+/// the whole text were digits ("12.5" is 1200). More than 19 characters are the internal error "The
+/// input time is too big. It is over 64 bits."; 19 digits above 2^63 - 1 wrap.
+BIG_API long long big_atoi64(std::string const& s);
+
+/// Adds one to the last digit, with its carries; the blanks at both ends go. An empty text is the
+/// internal error "!str->empty()".
+BIG_API void big_rounding(std::string* s);
+
+/// Rounds half up on the magnitude to `precision` digits after the point (0 drops the point), and
+/// then drops trailing zeros if asked to. A number without a point stays as it is.
+BIG_API void big_round_to_precision(std::string* s, unsigned int precision,
+                                    bool trim_trailing_zeros);
+
+// ------------------------------------------------------------------------------------------------
+// Timescale delays and radix formatting of 64-bit values
+// ------------------------------------------------------------------------------------------------
+
+/// The conversion of big_64_to_string(); any other value is signed decimal.
+enum BIG_64_RADIX : unsigned int {
+    BIG_64_SIGNED_DEC = 0,
+    BIG_64_UNSIGNED_DEC = 1,
+    BIG_64_OCT = 2,
+    BIG_64_HEX_LOWER = 3,
+    BIG_64_HEX_UPPER = 4,
+};
+
+/// delay x default_timescale / current_timescale, computed in double and written with at most nine
+/// decimal places, without trailing zeros.
+///
+/// Internal errors, in this order: "!default_timescale.is_negative()",
+/// "!current_timescale.is_negative()", "delay > 0", "cur_ts != 0".
+///
+/// @param delay             at least 1, in units of default_timescale
+/// @param default_timescale not negative; a frequency counts as its period
+/// @param current_timescale not negative, its storage number not 0
+BIG_API std::string big_delay_in_current_timescale(int delay, BIG_TIME default_timescale,
+                                                   BIG_TIME current_timescale);
+
+/// Writes an integer as printf does.
+///
+/// @param flags any of the printf flags "-+ #0", then a field width of at most 23; anything else is
+///              the internal error "flags"
+/// @param radix the conversion
+/// @param out   receives the text as its whole content, and is returned; null is the internal error
+///              "stl_str != NULL"
+BIG_API std::string* big_64_to_string(long long value, std::string const& flags, BIG_64_RADIX radix,
+                                      std::string* out);
+BIG_API std::string big_64_to_string(long long value, std::string const& flags, BIG_64_RADIX radix);
+
+// ------------------------------------------------------------------------------------------------
+// Tokens and numbers of a time text
+// ------------------------------------------------------------------------------------------------
+//
+// A token is a run of characters other than space, tab and line feed; a carriage return is an
+// ordinary character.
+
+/// Whether a text holds no token.
+BIG_API bool big_is_no_token(std::string const& s);
+
+/// Whether a text holds exactly one token, which then replaces it; otherwise it is cleared.
+BIG_API bool big_is_one_token(std::string& s);
+
+/// The unit that a text names, without regard to letter case: UNIT_NONE for a text without a token,
+/// MAX_TIME_UNIT for one that is not exactly one unit's name.
+BIG_API BIG_TIME::TIME_UNIT big_get_time_unit(std::string const& s);
+
+/// The canonical text of a decimal number: without white space around it, without needless zeros,
+/// but with one digit after the point, and with its plus sign. Zeros directly after a leading point
+/// go too: ".05" gives ".5", on which callers rely. An illegal number gives an empty text and a
+/// debug message.
+BIG_API std::string big_get_time_value(std::string const& s);
+
+// ------------------------------------------------------------------------------------------------
+// Radix conversion
+// ------------------------------------------------------------------------------------------------
+
+/// The radixes of a bit vector.
+enum BIG_RADIX : unsigned int {
+    BIG_BIN = 0,
+    BIG_OCT = 1,
+    BIG_HEX = 2,
+    BIG_SIGNED_DEC = 3,
+    BIG_UNSIGNED_DEC = 4,
+    BIG_FRAC_FIX_POINT = 5, ///< a decimal such as 0.75 or -1.5E-1 with width - 1 fraction bits
+    BIG_ASCII = 6,          ///< text, eight bits to a character
+};
+
+/// What is wrong with an ASCII text.
+enum BIG_ASCII_CHECK_RESULT : unsigned int {
+    BIG_ASCII_OK = 0,
+    BIG_ASCII_BAD_ESCAPE = 1,        ///< a backslash last, or before anything but [ \ ]
+    BIG_ASCII_CODE_TOO_LARGE = 2,    ///< a bracketed code above 255
+    BIG_ASCII_BAD_CODE = 3,          ///< a bracketed code that is not a number
+    BIG_ASCII_EMPTY_CODE = 4,        ///< []
+    BIG_ASCII_UNTERMINATED_CODE = 5, ///< [ without ]
+    BIG_ASCII_UNMATCHED_BRACKET = 6, ///< ] without [ or backslash
+};
+
+/// Whether every character of a text belongs to the set of a radix, in either letter case; place
+/// and number of signs and points are not checked, and the logic values (X, Z, ...) belong to none.
+/// Internal errors: "source.size() > 0" for an empty text, "Invalid radix." above 6.
+BIG_API bool big_string_is_legal(std::string const& source, BIG_RADIX radix);
+
+/// Whether a byte is printable ASCII, 0x20 to 0x7E.
+BIG_API bool big_char_is_printable(char c);
+
+/// Whether a text is legal in the ASCII notation: characters stand for themselves, \[ \\ and \] for
+/// the escaped one, and [65] for the byte of that number.
+///
+/// @param result untouched on success; for codes 2 and 3 it becomes the offending code
+/// @param check  receives what is wrong
+BIG_API bool big_validate_ascii_string(std::string const& source, std::string* result,
+                                       BIG_ASCII_CHECK_RESULT* check);
+
+/// Converts a bit vector from one radix to another at a width.
+///
+/// Binary, octal and hexadecimal digits may be the logic values X, Z, U, W, -, H and L in either
+/// case; in decimal they make the whole value unknown. Internal errors: "source.size() > 0" for an
+/// empty source, "Invalid radix." above 6.
+///
+/// @param source the value in radix `from`
+/// @param result receives the value in radix `to` as its whole content; "X" on failure. Only a
+///               fixed-point target wider than 1024 bits appends its X.
+/// @param width  bits of the value, 0 for its natural width. A shorter value is extended, a longer
+///               one loses its high bits.
+/// @return 0 exact; 2 bits were cut off to meet the width; 1 not convertible
+BIG_API unsigned int big_radix_conversion(std::string const& source, std::string* result,
+                                          BIG_RADIX from, BIG_RADIX to, unsigned int width);
+
+#endif

@@ -1,0 +1,45 @@
+#ifndef GEN_MATH_SYS_H
+#define GEN_MATH_SYS_H
+
+/// @file
+/// Checked arithmetic on fractions: what the library asks of the platform, for long long.
+
+#pragma GCC visibility push(default)
+
+namespace GEN_MATH {
+
+/// The product of two integers.
+///
+/// @param overflow set to true when the product does not fit T, otherwise left as it is, so that
+///                 one flag can watch several products
+/// @return the product; when it does not fit, its low bits in two's complement
+template <typename T>
+T multiply_of(T a, T b, bool& overflow);
+
+/// Divides both integers by their greatest common divisor, which is taken on the magnitudes and is
+/// not negative, so that each keeps its own sign. Two zeros stay as they are.
+template <typename T>
+void gcd_simplify(T& a, T& b);
+
+/// The sum num_a / den_a + num_b / den_b in lowest terms with a positive denominator. It is exact
+/// whenever that form fits T, even where an intermediate product does not.
+///
+/// @param num, den receive the sum; untouched when it does not fit or a denominator is 0
+/// @param overflow set to true when the sum does not fit or a denominator is 0, otherwise left as
+///                 it is
+template <typename T>
+void add_fractions_of(T num_a, T den_a, T num_b, T den_b, T& num, T& den, bool& overflow);
+
+template <>
+long long multiply_of<long long>(long long a, long long b, bool& overflow);
+template <>
+void gcd_simplify<long long>(long long& a, long long& b);
+template <>
+void add_fractions_of<long long>(long long num_a, long long den_a, long long num_b, long long den_b,
+                                 long long& num, long long& den, bool& overflow);
+
+} // namespace GEN_MATH
+
+#pragma GCC visibility pop
+
+#endif

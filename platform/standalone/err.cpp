@@ -1,0 +1,1 @@
+#include "err_sys.h"
