@@ -326,7 +326,7 @@ bool cut_to_resolution(std::string& number, int resolution) {
         auto const drop = static_cast<std::size_t>(places - resolution);
         if (drop >= number.size()) {
             truncated = has_nonzero_digit(number);
-            number = "0";
+            number.assign(1, '0');
             return truncated;
         }
         truncated = has_nonzero_digit(std::string_view(number).substr(number.size() - drop));
@@ -550,7 +550,7 @@ bool BIG_TIME::will_value_be_truncated(char const* text, std::string& truncated_
     if (truncated_text.back() == '.')
         truncated_text.pop_back();
     if (point != std::string::npos)
-        truncated_text.replace(point, 0, ".");
+        truncated_text.replace(point, 0, 1, '.');
     truncated_text += ' ';
     truncated_text += s_unit_strings[unit];
     return true;
