@@ -31,6 +31,11 @@ struct TIME_OPTIONS {
     bool trim = false;
 };
 
+/// The library drops the zeros between a leading point and the first other digit: .05 is read as
+/// .5, and .0 is no number.
+constexpr char const* LEADING_POINT_ADVICE =
+    "zeros directly behind a leading point do not count: write 0 before the point";
+
 constexpr long long HERTZ_TIMES_PICOSECONDS = 1000000000000;
 
 /// The name of the unit in which a category of units is stored.
@@ -61,7 +66,7 @@ bool is_bare_number(std::string const& text) {
     return length > 0 && (is_digit(text[length - 1]) || text[length - 1] == '.');
 }
 
-/// Whether a number loses zeros that matter: the library reads .05 as .5, whatever the unit.
+/// Whether a number loses zeros that matter, as .05 does.
 bool loses_leading_zeros(std::string const& text) {
     std::size_t i = 0;
     while (is_blank(text[i])) {
@@ -83,12 +88,16 @@ std::string why_refused(std::string const& text, std::optional<BIG_TIME::TIME_UN
     if (unit == BIG_TIME::UNIT_NONE) {
         unit = bare_unit.value_or(unit);
     }
-    if (big_get_time_value(number).empty()) {
+    std::string const canonical = big_get_time_value(number);
+    if (canonical.empty() || canonical == "+.") {
         return "is not a time: expected a number and one of " + unit_names();
     }
     if (unit == BIG_TIME::MAX_TIME_UNIT) {
         return "is not a time: " + in_quotes(unit_text) + " is not a unit: expected one of "
                + unit_names();
+    }
+    if (canonical == ".") { // of .0
+        return std::string("is not a time: ") + LEADING_POINT_ADVICE;
     }
     std::string const storage_unit = storage_unit_of(unit);
     if (number[0] == '-' && storage_unit != "ps") {
@@ -187,8 +196,7 @@ bool TIME_CONVERSION::lost_digits(std::string const& text, std::string& problem)
         big_trim_end_blankspace(stored); // of a number without a unit
         problem = "loses digits: it is stored as " + in_quotes(stored);
         if (lost_zeros) {
-            problem += " (zeros directly behind a leading point do not count: write 0 before the "
-                       "point)";
+            problem += std::string(" (") + LEADING_POINT_ADVICE + ')';
         }
         return true;
     }

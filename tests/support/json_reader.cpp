@@ -57,7 +57,8 @@ private:
         }
         expect("u00");
         std::string const digits(m_rest.substr(0, 2));
-        if (digits.find_first_not_of("0123456789abcdef") != std::string::npos || digits.size() < 2) {
+        if (digits.find_first_not_of("0123456789abcdef") != std::string::npos
+            || digits.size() < 2) {
             fail("an escape is cut short");
         }
         m_rest.remove_prefix(2);

@@ -11,7 +11,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,7 +24,8 @@ using FILE_HANDLE = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 FILE_HANDLE temporary_file(std::string const& content = "") {
     FILE_HANDLE file(std::tmpfile(), std::fclose);
-    if (file == nullptr || std::fwrite(content.data(), 1, content.size(), file.get()) != content.size()
+    if (file == nullptr
+        || std::fwrite(content.data(), 1, content.size(), file.get()) != content.size()
         || std::fflush(file.get()) != 0) {
         fail("temporary file");
     }
@@ -77,14 +77,13 @@ RUN run_shell(std::string const& command, std::string const& input, std::string 
     pid_t const process =
         start(command, folder, ::fileno(in.get()), ::fileno(out.get()), ::fileno(err.get()));
     int status = 0;
-    struct rusage usage;
-    while (::wait4(process, &status, 0, &usage) < 0) {
+    while (::waitpid(process, &status, 0) < 0) {
         if (errno != EINTR) {
-            fail("wait4");
+            fail("waitpid");
         }
     }
     return {content_of(out.get()), content_of(err.get()),
-            WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), usage.ru_maxrss};
+            WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status)};
 }
 
 CONVERSATION::CONVERSATION(std::string const& command) {

@@ -11,10 +11,9 @@
 
 /// What a command did.
 struct RUN {
-    std::string out;    ///< standard output
-    std::string err;    ///< standard error
-    int status;         ///< the exit status, or 128 + the signal that ended it
-    long peak_kilobyte; ///< the most memory that it or one of its parts ever held
+    std::string out; ///< standard output
+    std::string err; ///< standard error
+    int status;      ///< the exit status, or 128 + the signal that ended it
 };
 void PrintTo(RUN const& run, std::ostream* out);
 
