@@ -8,19 +8,43 @@
 
 namespace {
 
-/// The help text's usage line.
+constexpr std::size_t HELP_WIDTH = 80;
+constexpr std::size_t HELP_COLUMN = 22; // where the options' descriptions begin
+
+/// The layout of the help.
 class HELP_FORMAT : public CLI::Formatter {
 public:
     explicit HELP_FORMAT(std::string operands) : m_operands(std::move(operands)) {
-        column_width(28);
+        column_width(HELP_COLUMN);
+    }
+
+    std::string make_description(CLI::App const* app) const override {
+        return wrapped(app->get_description(), HELP_WIDTH) + "\n\n";
     }
 
     std::string make_usage(CLI::App const*, std::string name) const override {
-        return "\nUsage: " + name + " [OPTION]... " + m_operands + "\n";
+        return "Usage: " + name + " [OPTION]... " + m_operands + "\n\n";
     }
 
     std::string make_option_opts(CLI::Option const* option) const override {
         return option->get_type_size() == 0 ? "" : " " + option->get_type_name();
+    }
+
+    std::string make_option_desc(CLI::Option const* option) const override {
+        return wrapped(option->get_description(), HELP_WIDTH - HELP_COLUMN);
+    }
+
+    std::string make_group(std::string group, bool is_positional,
+                           std::vector<CLI::Option const*> options) const override {
+        std::string text = group + ":\n";
+        for (CLI::Option const* option : options) {
+            text += make_option(option, is_positional);
+        }
+        return text;
+    }
+
+    std::string make_footer(CLI::App const* app) const override {
+        return wrapped(app->get_footer(), HELP_WIDTH);
     }
 
 private:
@@ -33,20 +57,15 @@ bool is_option(std::string const& argument) {
            && std::string_view("0123456789.").find(argument[1]) == std::string_view::npos;
 }
 
-/// Whether the value of an option is the argument behind it. An option that does not exist takes
-/// none; CLI11 refuses it later.
-bool takes_next_argument(CLI::App& app, std::string const& argument) {
-    bool const is_long = argument[1] == '-';
-    std::string const name =
-        is_long ? argument.substr(0, argument.find('=')) : argument.substr(0, 2);
+/// The name in an argument that is an option: "--to" in "--to=ns", "-d" in "-d,".
+std::string option_name(std::string const& argument) {
+    return argument[1] == '-' ? argument.substr(0, argument.find('=')) : argument.substr(0, 2);
+}
+
+/// Whether an option takes a value. One that does not exist takes none; CLI11 refuses it later.
+bool takes_value(CLI::App const& app, std::string const& name) {
     CLI::Option const* const option = app.get_option_no_throw(name);
-    if (option == nullptr || option->get_items_expected_max() == 0) {
-        return false;
-    }
-    if (argument.back() == '=' && is_long) {
-        throw USAGE_ERROR(name + ": expected a value behind the =");
-    }
-    return argument.size() == name.size();
+    return option != nullptr && option->get_items_expected_max() > 0;
 }
 
 } // namespace
@@ -60,9 +79,17 @@ void describe_command(CLI::App& app, std::string const& command, std::string con
     app.set_help_flag("-h,--help", "Print this help and exit");
 }
 
-void add_number_option(CLI::App& app, std::string const& name, unsigned long lowest,
-                       unsigned long highest, std::function<void(unsigned long)> const& set,
-                       std::string const& description) {
+CLI::Option* add_text_option(CLI::App& app, std::string const& name, std::string const& value_name,
+                             std::function<void(std::string const&)> const& set,
+                             std::string const& description) {
+    return app.add_option_function<std::string>(name, set, description)
+        ->type_name(value_name)
+        ->take_last();
+}
+
+CLI::Option* add_number_option(CLI::App& app, std::string const& name, unsigned long lowest,
+                               unsigned long highest, std::function<void(unsigned long)> const& set,
+                               std::string const& description) {
     auto const read = [=](std::string const& text) {
         unsigned long number = 0;
         char const* const end = text.data() + text.size();
@@ -73,7 +100,7 @@ void add_number_option(CLI::App& app, std::string const& name, unsigned long low
         }
         set(number);
     };
-    app.add_option_function<std::string>(name, read, description)->type_name("N");
+    return add_text_option(app, name, "N", read, description);
 }
 
 std::vector<std::string> read_command_line(CLI::App& app,
@@ -90,7 +117,16 @@ std::vector<std::string> read_command_line(CLI::App& app,
             continue;
         }
         options.push_back(*argument);
-        if (takes_next_argument(app, *argument) && argument + 1 != arguments.end()) {
+        std::string const name = option_name(*argument);
+        if (!takes_value(app, name)) {
+            continue;
+        }
+        bool const value_follows = *argument == name;
+        bool const is_empty = name[1] == '-' && *argument == name + '=';
+        if (is_empty || (value_follows && argument + 1 == arguments.end())) {
+            throw USAGE_ERROR(name + ": expected a value");
+        }
+        if (value_follows) {
             options.push_back(*++argument);
         }
     }

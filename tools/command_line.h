@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -31,10 +32,19 @@ public:
 void describe_command(CLI::App& app, std::string const& command, std::string const& operands,
                       std::string const& description, std::string const& footer);
 
-/// Adds an option that takes a whole number from `lowest` to `highest`.
-void add_number_option(CLI::App& app, std::string const& name, unsigned long lowest,
-                       unsigned long highest, std::function<void(unsigned long)> const& set,
-                       std::string const& description);
+/// Adds an option that takes a text. Given twice, the last one counts.
+///
+/// @param value_name what the help calls the text: "UNIT"
+/// @param set        receives the text; may throw USAGE_ERROR
+CLI::Option* add_text_option(CLI::App& app, std::string const& name, std::string const& value_name,
+                             std::function<void(std::string const&)> const& set,
+                             std::string const& description);
+
+/// Adds an option that takes a whole number from `lowest` to `highest`. Given twice, the last one
+/// counts.
+CLI::Option* add_number_option(CLI::App& app, std::string const& name, unsigned long lowest,
+                               unsigned long highest, std::function<void(unsigned long)> const& set,
+                               std::string const& description);
 
 /// Reads a command's arguments: sets its options and returns its texts in order.
 ///

@@ -81,8 +81,7 @@ public:
     EXIT_STATUS convert_lines();
 
 private:
-    template <typename PLACE>
-    bool convert_line(LINE const& line, PLACE const& place);
+    bool convert_line(LINE const& line);
     std::optional<std::string_view> field_of(std::string_view line) const;
     OUTCOME convert_text(std::string_view text);
     void write_line(LINE const& line, std::string_view field, std::string_view result);
@@ -92,6 +91,7 @@ private:
     CONVERSION& m_conversion;
     OUTPUT m_output;
     EXIT_STATUS m_status = STATUS_OK;
+    std::string m_place; ///< what stands in front of a line's number in a message
 
     std::string m_text;    // of the text at hand, kept for their memory
     std::string m_result;  //
@@ -100,11 +100,11 @@ private:
 };
 
 EXIT_STATUS FILTER::convert_texts(std::vector<std::string> const& texts) {
-    std::size_t number = 0;
+    m_place = "argument ";
+    unsigned long long number = 0;
     for (std::string const& text : texts) {
         ++number;
-        if (!convert_line({text, "\n"},
-                          [number] { return "argument " + std::to_string(number); })) {
+        if (!convert_line({text, "\n", number, false})) {
             break;
         }
     }
@@ -113,6 +113,7 @@ EXIT_STATUS FILTER::convert_texts(std::vector<std::string> const& texts) {
 }
 
 EXIT_STATUS FILTER::convert_lines() {
+    m_place = INPUT_NAME + std::string(":");
     LINE_READER reader(m_output);
     LINE line;
     if (m_options.header && reader.next(line) && !m_options.json) {
@@ -120,7 +121,7 @@ EXIT_STATUS FILTER::convert_lines() {
         m_output.add(line.end);
     }
     while (reader.next(line)) {
-        if (!convert_line(line, [&reader] { return reader.place(); })) {
+        if (!convert_line(line)) {
             break;
         }
     }
@@ -129,22 +130,25 @@ EXIT_STATUS FILTER::convert_lines() {
 }
 
 /// Converts a line and writes it. Returns whether to go on.
-template <typename PLACE>
-bool FILTER::convert_line(LINE const& line, PLACE const& place) {
+bool FILTER::convert_line(LINE const& line) {
     std::optional<std::string_view> const field = field_of(line.text);
     std::string_view const text = field.value_or(line.text);
     OUTCOME outcome = OUTCOME::REFUSED;
-    if (field) {
-        outcome = convert_text(text);
-    } else {
+    if (!field) {
         m_problem = "has no field " + std::to_string(*m_options.field);
+    } else if (line.may_hold_nul && text.find('\0') != std::string_view::npos) {
+        m_problem = "holds a NUL byte: expected text";
+    } else {
+        outcome = convert_text(text);
     }
-    bool const is_refused =
-        outcome == OUTCOME::REFUSED || (outcome == OUTCOME::LOST_DIGITS && m_options.strict);
+    if (outcome == OUTCOME::LOST_DIGITS && m_options.strict) {
+        outcome = OUTCOME::REFUSED;
+    }
+    bool const is_refused = outcome == OUTCOME::REFUSED;
     if (outcome != OUTCOME::CONVERTED) {
         m_problem = in_quotes(text) + ' ' + m_problem;
         if (!is_refused || m_options.invalid != INVALID::IGNORE) {
-            m_output.report(place() + ": " + m_problem);
+            m_output.report(m_place + std::to_string(line.number) + ": " + m_problem);
         }
     }
     bool const is_last = is_refused && m_options.invalid == INVALID::ABORT;
@@ -152,7 +156,7 @@ bool FILTER::convert_line(LINE const& line, PLACE const& place) {
         m_status = STATUS_FAILED;
     }
     if (m_options.json) {
-        write_object(text, is_refused ? OUTCOME::REFUSED : outcome);
+        write_object(text, outcome);
     } else if (!is_last) {
         write_line(line, text, is_refused ? text : std::string_view(m_result));
     }
@@ -212,34 +216,34 @@ void FILTER::write_object(std::string_view text, OUTCOME outcome) {
 CONVERSION::~CONVERSION() = default;
 
 char const* const FILTER_HELP =
-    "Lines keep their ends. An empty line is refused like any other text that is no value.\n"
-    "Messages go to standard error and name the line, the text and what was expected.\n"
+    "Lines keep their ends. An empty line is refused like any other text that is no value. "
+    "Messages "
+    "go to standard error and name the line, the text and what was expected.\n"
     "\n"
-    "Exit status: 0 when everything was converted (or --invalid is warn or ignore), 1 when a\n"
-    "text was refused or when reading or writing failed, 2 for a wrong command line.\n";
+    "Exit status: 0 when everything was converted (or --invalid is warn or ignore), 1 when a text "
+    "was refused or reading or writing failed, 2 for a wrong command line.\n";
 
 void add_filter_options(CLI::App& app, FILTER_OPTIONS& options) {
     char const* const group = "Lines";
     add_number_option(
         app, "--field", 1, ULONG_MAX, [&options](unsigned long number) { options.field = number; },
-        "Convert field N of each line and keep the rest (default: the whole line)");
-    app.get_option("--field")->group(group);
-    app.add_option_function<std::string>(
-           "-d,--delimiter",
-           [&options](std::string const& text) { options.delimiter = delimiter_named(text); },
-           "The character between fields (default: runs of spaces and tabs); without --field, "
-           "field 1 is converted")
-        ->type_name("C")
+        "Convert field N of each line and keep the rest (default: the whole line)")
+        ->group(group);
+    add_text_option(
+        app, "-d,--delimiter", "C",
+        [&options](std::string const& text) { options.delimiter = delimiter_named(text); },
+        "The character between fields (default: runs of spaces and tabs); without --field, field 1 "
+        "is converted")
         ->group(group);
     app.add_flag("--header", options.header, "Write the first line as it is")->group(group);
-    app.add_option_function<std::string>(
-           "--invalid",
-           [&options](std::string const& text) { options.invalid = invalid_named(text); },
-           "What to do about a text that is refused: abort (the default) stops there with status "
-           "1; fail reports it, writes its line as it is, goes on and returns 1; warn does the "
-           "same "
-           "but returns 0; ignore does not report it and returns 0")
-        ->type_name("MODE")
+    add_text_option(
+        app, "--invalid", "MODE",
+        [&options](std::string const& text) { options.invalid = invalid_named(text); },
+        "What to do about a text that is refused:\n"
+        "abort (default): report it and stop, status 1\n"
+        "fail: report it, write its line as it is, go on, status 1\n"
+        "warn: report it, write its line as it is, go on, status 0\n"
+        "ignore: write its line as it is, go on, status 0")
         ->group(group);
     app.add_flag("--strict", options.strict, "Refuse a text that would lose digits")->group(group);
     app.add_flag("--json", options.json, "Write one JSON object for each text")->group(group);

@@ -30,7 +30,7 @@ public:
 
     /// Converts a text. An ERR_INTERNAL_ERROR that it throws refuses the text.
     ///
-    /// @param text    any bytes
+    /// @param text    any bytes but NUL
     /// @param result  receives the converted text, unless it is refused
     /// @param problem receives what is wrong, unless all is well: a sentence whose subject is the
     ///                text ("is not a time: expected ...")

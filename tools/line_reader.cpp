@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr char const* INPUT_NAME = "standard input";
 constexpr std::size_t FIRST_BUFFER_SIZE = 256 * 1024;
 
 } // namespace
@@ -15,7 +14,6 @@ constexpr std::size_t FIRST_BUFFER_SIZE = 256 * 1024;
 LINE_READER::LINE_READER(OUTPUT& output) : m_output(output), m_buffer(FIRST_BUFFER_SIZE) {}
 
 bool LINE_READER::next(LINE& line) {
-    ++m_line_number;
     char const* newline = nullptr;
     std::size_t searched = 0; // bytes from m_begin on that hold no line feed
     while (newline == nullptr) {
@@ -40,7 +38,7 @@ bool LINE_READER::next(LINE& line) {
         --length;
         ++end_length;
     }
-    line = {{first, length}, {first + length, end_length}};
+    line = {{first, length}, {first + length, end_length}, ++m_number, m_has_seen_nul};
     return true;
 }
 
@@ -56,8 +54,9 @@ bool LINE_READER::read_more() {
     m_begin = 0;
     if (m_end == m_buffer.size()) {
         if (m_buffer.size() >= LINE_LIMIT) {
-            throw std::length_error(place() + ": the line is longer than "
-                                    + std::to_string(LINE_LIMIT) + " bytes");
+            throw std::length_error(INPUT_NAME + (':' + std::to_string(m_number + 1))
+                                    + ": the line is longer than " + std::to_string(LINE_LIMIT)
+                                    + " bytes");
         }
         m_buffer.resize(2 * m_buffer.size());
     }
@@ -68,11 +67,9 @@ bool LINE_READER::read_more() {
     if (count < 0) {
         throw IO_ERROR(INPUT_NAME, errno);
     }
-    m_end += static_cast<std::size_t>(count);
-    m_at_end = count == 0;
+    std::string_view const piece(m_buffer.data() + m_end, static_cast<std::size_t>(count));
+    m_has_seen_nul = m_has_seen_nul || piece.find('\0') != std::string_view::npos;
+    m_end += piece.size();
+    m_at_end = piece.empty();
     return !m_at_end;
-}
-
-std::string LINE_READER::place() const {
-    return INPUT_NAME + (":" + std::to_string(m_line_number));
 }

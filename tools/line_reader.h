@@ -11,10 +11,15 @@
 #include <string_view>
 #include <vector>
 
+/// What messages call the input.
+inline constexpr char const* INPUT_NAME = "standard input";
+
 /// One line of the input. Both views hold until the next line is read.
 struct LINE {
-    std::string_view text; ///< the line without its end
-    std::string_view end;  ///< "\n", "\r\n", or nothing at the end of the input
+    std::string_view text;     ///< the line without its end
+    std::string_view end;      ///< "\n", "\r\n", or nothing at the end of the input
+    unsigned long long number; ///< from 1
+    bool may_hold_nul;         ///< false when no NUL has been read so far
 };
 
 /// Reads standard input in big pieces and hands out its lines. Before each piece the output is
@@ -32,9 +37,6 @@ public:
     /// too long.
     bool next(LINE& line);
 
-    /// The place of the line read last: "standard input:5".
-    std::string place() const;
-
 private:
     bool read_more();
 
@@ -43,7 +45,8 @@ private:
     std::size_t m_begin = 0; ///< the bytes read and not yet handed out are [m_begin, m_end)
     std::size_t m_end = 0;
     bool m_at_end = false;
-    unsigned long long m_line_number = 0;
+    bool m_has_seen_nul = false;
+    unsigned long long m_number = 0; ///< of the line handed out last
 };
 
 #endif

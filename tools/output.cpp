@@ -33,13 +33,18 @@ bool are_same_file(int one, int other) {
 IO_ERROR::IO_ERROR(std::string const& file, int error)
     : std::runtime_error(file + ": " + std::generic_category().message(error)), m_error(error) {}
 
-OUTPUT::OUTPUT() : m_same_place_as_messages(are_same_file(STDOUT_FILENO, STDERR_FILENO)) {
-    m_buffer.reserve(BUFFER_SIZE + BUFFER_SIZE / 4);
-}
+OUTPUT::OUTPUT()
+    : m_buffer(new char[BUFFER_SIZE]),
+      m_same_place_as_messages(are_same_file(STDOUT_FILENO, STDERR_FILENO)) {}
 
 void OUTPUT::flush() {
-    int const error = write_all(STDOUT_FILENO, m_buffer);
-    m_buffer.clear();
+    std::size_t const used = m_used;
+    m_used = 0;
+    write({m_buffer.get(), used});
+}
+
+void OUTPUT::write(std::string_view text) {
+    int const error = write_all(STDOUT_FILENO, text);
     if (error != 0) {
         throw IO_ERROR("standard output", error);
     }

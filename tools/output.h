@@ -4,6 +4,8 @@
 /// @file
 /// Writing to standard output and standard error, and what is thrown when the system refuses.
 
+#include <cstring>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -32,10 +34,15 @@ public:
     ///
     /// Throws IO_ERROR.
     void add(std::string_view text) {
-        m_buffer += text;
-        if (m_buffer.size() >= BUFFER_SIZE) {
+        if (text.size() > BUFFER_SIZE - m_used) {
             flush();
+            if (text.size() > BUFFER_SIZE) {
+                write(text);
+                return;
+            }
         }
+        std::memcpy(m_buffer.get() + m_used, text.data(), text.size());
+        m_used += text.size();
     }
 
     /// Writes the buffer out. The buffer is empty afterwards, whether or not that worked.
@@ -53,7 +60,10 @@ public:
 private:
     static constexpr std::size_t BUFFER_SIZE = 256 * 1024;
 
-    std::string m_buffer;
+    void write(std::string_view text);
+
+    std::unique_ptr<char[]> m_buffer;
+    std::size_t m_used = 0;
     bool m_same_place_as_messages;
 };
 

@@ -84,3 +84,25 @@ std::string in_quotes(std::string_view text) {
     out += taken < text.size() ? "...\"" : "\"";
     return out;
 }
+
+std::string wrapped(std::string_view text, std::size_t width) {
+    std::string out(text);
+    std::size_t line_begin = 0;
+    std::size_t last_blank = std::string::npos; // in the line at hand
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        if (out[i] == '\n') {
+            line_begin = i + 1;
+            last_blank = std::string::npos;
+            continue;
+        }
+        if (out[i] == ' ') {
+            last_blank = i;
+        }
+        if (i - line_begin >= width && last_blank != std::string::npos) {
+            out[last_blank] = '\n';
+            line_begin = last_blank + 1;
+            last_blank = std::string::npos;
+        }
+    }
+    return out;
+}

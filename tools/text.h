@@ -17,4 +17,8 @@ std::size_t utf8_length(std::string_view text);
 /// ends in "..." inside the quotation marks.
 std::string in_quotes(std::string_view text);
 
+/// A text with line feeds in place of blanks so that no line is longer than `width`, as far as its
+/// words allow.
+std::string wrapped(std::string_view text, std::size_t width);
+
 #endif

@@ -31,6 +31,11 @@ struct TIME_OPTIONS {
     bool trim = false;
 };
 
+/// The library drops the zeros between a leading point and the first other digit: .05 is read as
+/// .5, and .0 is no number.
+constexpr char const* LEADING_POINT_ADVICE =
+    "zeros directly behind a leading point do not count: write 0 before the point";
+
 constexpr long long HERTZ_TIMES_PICOSECONDS = 1000000000000;
 
 /// The name of the unit in which a category of units is stored.
@@ -42,22 +47,36 @@ char const* storage_unit_of(BIG_TIME::TIME_UNIT unit) {
     }
 }
 
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+/// White space as the library strips it around a text.
+bool is_blank(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
 /// Whether a text has no unit behind its number: its last byte but for white space belongs to a
 /// number.
 bool is_bare_number(std::string const& text) {
-    std::size_t const last = text.find_last_not_of(" \t\n\v\f\r");
-    return last != std::string::npos
-           && std::string_view("0123456789.-+").find(text[last]) != std::string_view::npos;
+    std::size_t length = text.size();
+    while (length > 0 && is_blank(text[length - 1])) {
+        --length;
+    }
+    return length > 0 && (is_digit(text[length - 1]) || text[length - 1] == '.');
 }
 
-/// Whether a number loses zeros that matter: the library reads .05 as .5, whatever the unit.
+/// Whether a number loses zeros that matter, as .05 does.
 bool loses_leading_zeros(std::string const& text) {
-    std::size_t const first = text.find_first_not_of(" \t\n\v\f\r");
-    if (first == std::string::npos || text[first] != '.' || text[first + 1] != '0') {
+    std::size_t i = 0;
+    while (is_blank(text[i])) {
+        ++i;
+    }
+    if (text[i] != '.' || text[i + 1] != '0') {
         return false;
     }
-    std::size_t const digit = text.find_first_not_of('0', first + 1);
-    return digit != std::string::npos && text[digit] >= '1' && text[digit] <= '9';
+    i = text.find_first_not_of('0', i + 1);
+    return i != std::string::npos && is_digit(text[i]);
 }
 
 /// Why the library refused a text.
@@ -69,12 +88,16 @@ std::string why_refused(std::string const& text, std::optional<BIG_TIME::TIME_UN
     if (unit == BIG_TIME::UNIT_NONE) {
         unit = bare_unit.value_or(unit);
     }
-    if (big_get_time_value(number).empty()) {
+    std::string const canonical = big_get_time_value(number);
+    if (canonical.empty() || canonical == "+.") {
         return "is not a time: expected a number and one of " + unit_names();
     }
     if (unit == BIG_TIME::MAX_TIME_UNIT) {
         return "is not a time: " + in_quotes(unit_text) + " is not a unit: expected one of "
                + unit_names();
+    }
+    if (canonical == ".") { // of .0
+        return std::string("is not a time: ") + LEADING_POINT_ADVICE;
     }
     std::string const storage_unit = storage_unit_of(unit);
     if (number[0] == '-' && storage_unit != "ps") {
@@ -120,10 +143,6 @@ TIME_CONVERSION::~TIME_CONVERSION() {
 
 OUTCOME TIME_CONVERSION::convert(std::string const& text, std::string& result,
                                  std::string& problem) {
-    if (text.find('\0') != std::string::npos) {
-        problem = "is not a time: it holds a NUL byte";
-        return OUTCOME::REFUSED;
-    }
     m_stored.clear();
     if (!read(text)) {
         problem = why_refused(text, m_options.unit);
@@ -177,8 +196,7 @@ bool TIME_CONVERSION::lost_digits(std::string const& text, std::string& problem)
         big_trim_end_blankspace(stored); // of a number without a unit
         problem = "loses digits: it is stored as " + in_quotes(stored);
         if (lost_zeros) {
-            problem += " (zeros directly behind a leading point do not count: write 0 before the "
-                       "point)";
+            problem += std::string(" (") + LEADING_POINT_ADVICE + ')';
         }
         return true;
     }
@@ -215,12 +233,11 @@ void set_target(TIME_OPTIONS& options, std::string const& name) {
 }
 
 void add_time_options(CLI::App& app, TIME_OPTIONS& options) {
-    CLI::Option* const to = app.add_option_function<std::string>(
-        "--to", [&options](std::string const& name) { set_target(options, name); },
-        "Print in UNIT; own (the default) is the unit of the text, auto the one from ps to s that "
-        "suits the magnitude");
-    to->type_name("UNIT");
-    add_number_option(
+    CLI::Option* const to = add_text_option(
+        app, "--to", "UNIT", [&options](std::string const& name) { set_target(options, name); },
+        "Print in UNIT; own (default) is the unit of the text, auto the one from ps to s that "
+        "suits the magnitude, without trailing zeros");
+    CLI::Option* const precision = add_number_option(
         app, "--precision", 0, USHRT_MAX,
         [&options](unsigned long places) {
             options.precision = static_cast<unsigned short>(places);
@@ -232,25 +249,28 @@ void add_time_options(CLI::App& app, TIME_OPTIONS& options) {
            "--raw", [&options] { options.target = TARGET::RAW; },
            "Print every digit in the unit of the text, without trailing zeros; a number without a "
            "unit has a blank behind it")
-        ->excludes(to, app.get_option("--precision"), trim);
-    app.add_option_function<std::string>(
-           "--unit",
-           [&options](std::string const& name) { options.unit = unit_named(name, "--unit"); },
-           "The unit of numbers that have none (without it they count as picoseconds)")
-        ->type_name("UNIT");
+        ->excludes(to, precision, trim);
+    add_text_option(
+        app, "--unit", "UNIT",
+        [&options](std::string const& name) { options.unit = unit_named(name, "--unit"); },
+        "The unit of numbers that have none (default: they stay without a unit and count as "
+        "picoseconds)");
 }
 
-char const* const DESCRIPTION =
-    "Convert times, frequencies and data rates, exactly.\n"
-    "\n"
-    "A text is a decimal number and a unit: 2.5ns, \"-20 ps\", \"3 MHz\". Without a TEXT the "
-    "lines\n"
-    "of standard input are converted. The units, in any letter case, are fs, ps, ns, ten_th_ns,\n"
-    "us, ms, s, Hz, kHz, MHz, GHz, bps, Mbps and Gbps. A frequency given in a unit of time is its\n"
-    "period, and the other way round; the period of 0 is INF.\n";
+std::string description() {
+    return "Convert times, frequencies and data rates, exactly.\n"
+           "\n"
+           "A text is a decimal number and a unit: 2.5ns, \"-20 ps\", \"3 MHz\". Without a TEXT "
+           "the "
+           "lines of standard input are converted. The units, in any letter case: "
+           + unit_names()
+           + ". A frequency given in a unit of time is its period, and the other way round; for 0 "
+             "that is INF.";
+}
 
 char const* const EXAMPLES =
-    "Digits finer than picoseconds, hertz or bits per second are cut off, and reported.\n"
+    "Digits finer than a picosecond, a hertz or a bit per second are cut off and reported. (So are "
+    "zeros directly behind a leading point, which do not count: .05 is read as .5, 0.05 is not.)\n"
     "\n"
     "Examples:\n"
     "  $ bigq time --to ps '2.5 ns' 1us\n"
@@ -271,7 +291,7 @@ EXIT_STATUS run_time(std::vector<std::string> const& arguments) {
     TIME_OPTIONS options;
     FILTER_OPTIONS filter_options;
     CLI::App app;
-    describe_command(app, "time", "[TEXT]...", DESCRIPTION,
+    describe_command(app, "time", "[TEXT]...", description(),
                      FILTER_HELP + ('\n' + std::string(EXAMPLES)));
     add_time_options(app, options);
     add_filter_options(app, filter_options);

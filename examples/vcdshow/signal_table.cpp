@@ -87,7 +87,7 @@ void SIGNAL_TABLE::take(VCD_CHANGE const& change) {
     std::size_t const number = m_cell_of_signal[change.signal];
     CELL& cell = m_cells[number];
     if (cell.kind == VCD_KIND::EVENT) {
-        cell.value = "1";
+        cell.value.assign(1, '1');
         m_events.push_back(number);
     } else if (cell.value != change.value) {
         cell.value = change.value;
@@ -116,7 +116,7 @@ void SIGNAL_TABLE::write_line(BIG_TIME const& time, std::string& out) {
 void SIGNAL_TABLE::skip_line() {
     m_has_changed = false;
     for (std::size_t const number : m_events) {
-        m_cells[number].value = "";
+        m_cells[number].value.clear();
         m_cells[number].is_converted = false;
     }
     m_events.clear();
@@ -128,9 +128,12 @@ void SIGNAL_TABLE::convert(CELL& cell) const {
         big_radix_conversion(cell.value.empty() ? std::string(cell.width, 'X') : cell.value,
                              &cell.text, BIG_BIN, m_format.radix, cell.width);
         break;
-    case VCD_KIND::EVENT: cell.text = cell.value.empty() ? "0" : "1"; break;
+    case VCD_KIND::EVENT: cell.text.assign(1, cell.value.empty() ? '0' : '1'); break;
     case VCD_KIND::REAL:
-    case VCD_KIND::TEXT: cell.text = cell.value.empty() ? "-" : cell.value; break;
+    case VCD_KIND::TEXT:
+        cell.text = cell.value;
+        cell.text.append(cell.value.empty() ? 1 : 0, '-');
+        break;
     }
     cell.is_converted = true;
 }
