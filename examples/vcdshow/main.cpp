@@ -14,6 +14,7 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <numeric>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -60,7 +61,8 @@ BIG_RADIX radix_named(std::string const& name) {
             return row.radix;
         }
     }
-    throw CLI::ValidationError("--radix", '"' + name + "\" is not a radix");
+    throw CLI::ValidationError(
+        "--radix", '"' + name + "\" is no radix; expected bin, oct, hex, sdec, udec, fix or ascii");
 }
 
 bool is_time_unit(BIG_TIME::TIME_UNIT unit) {
@@ -72,10 +74,9 @@ BIG_TIME::TIME_UNIT time_unit_named(std::string const& name) {
     BIG_TIME::TIME_UNIT unit = BIG_TIME::UNIT_NONE;
     BIG_TIME::extract_time_units(name.c_str(), unit);
     if (!is_time_unit(unit)) {
-        throw CLI::ValidationError("--time-unit",
-                                   '"' + name
-                                       + "\" is not a unit of time; expected fs, ps, "
-                                         "ns, us, ms or s");
+        throw CLI::ValidationError("--time-unit", '"' + name
+                                                      + "\" is no unit of time; expected fs, ps, "
+                                                        "ns, us, ms or s");
     }
     return unit;
 }
@@ -91,7 +92,7 @@ BIG_TIME time_of(std::string const& option, std::string const& text) {
     err_set_message_sink({});
     if (!is_time || !is_time_unit(time.get_time_unit())) {
         throw CLI::ValidationError(option, '"' + text
-                                               + "\" is not a time; expected a number and a unit, "
+                                               + "\" is no time; expected a number and a unit, "
                                                  "such as \"1.5 us\"");
     }
     if (is_cut) {
@@ -197,20 +198,20 @@ private:
 
 /// The chosen variables as positions in the list, each once: in the order of the names, and for one
 /// name in that of the dump. Throws std::runtime_error for a name without a variable.
-std::vector<std::size_t> choose(std::vector<VCD_VARIABLE> const& variables,
+std::vector<std::size_t> choose(std::string const& dump, std::vector<VCD_VARIABLE> const& variables,
                                 std::vector<std::string> const& names) {
     std::vector<std::size_t> chosen;
     std::vector<bool> is_chosen(variables.size());
     for (std::string const& name : names) {
         std::vector<std::size_t> const found = find_variables(variables, name);
         if (found.empty()) {
-            std::string message = "the dump has no signal " + name;
-            char const* separator = "; the nearest names are ";
+            std::string message = dump + " has no signal \"" + name + '"';
+            char const* separator = "; the nearest are ";
             for (std::string const& near : near_names(variables, name)) {
                 message += separator + near;
                 separator = ", ";
             }
-            throw std::runtime_error(message + "; --list shows all of them");
+            throw std::runtime_error(message + "; --list shows all");
         }
         for (std::size_t const variable : found) {
             if (!is_chosen[variable]) {
@@ -284,10 +285,11 @@ void run(OPTIONS options) {
 
     VCD_READER reader(file, file.name());
     std::vector<VCD_VARIABLE> const& variables = reader.variables();
+    std::vector<std::size_t> chosen = choose(file.name(), variables, options.signals);
     if (options.is_list && options.signals.empty()) {
-        options.signals = {"*"};
+        chosen.resize(variables.size());
+        std::iota(chosen.begin(), chosen.end(), std::size_t{0});
     }
-    std::vector<std::size_t> const chosen = choose(variables, options.signals);
     if (options.is_list) {
         write_list(variables, chosen, output);
         output.flush();

@@ -31,7 +31,8 @@ void PROGRESS::show(unsigned long long bytes, CLOCK::time_point now) {
     m_next = now + DELAY;
     m_is_shown = true;
     std::string text = ERASE_LINE + m_label + ": ";
-    if (m_size && *m_size >= bytes) { // a file that is still growing has no known size
+    // A file that has grown since has no known size, nor has one of the system that says 0.
+    if (m_size && *m_size > 0 && *m_size >= bytes) {
         text += std::to_string(100 * bytes / *m_size) + " % of " + in_megabytes(*m_size);
     } else {
         text += in_megabytes(bytes);

@@ -100,6 +100,9 @@ void SIGNAL_TABLE::take(VCD_CHANGE const& change) {
 
 void SIGNAL_TABLE::write_line(BIG_TIME const& time, std::string& out) {
     time.to_string_without_unit(&m_time_text, m_format.time_unit, m_format.precision, false);
+    if (time.get_time_value() == 0 && m_format.time_unit == BIG_TIME::UNIT_FS) {
+        m_time_text.assign(1, '0'); // the library puts three zeros behind every femtosecond count
+    }
     append(m_time_text, TIME_WIDTH, out);
     for (COLUMN const& column : m_columns) {
         CELL& cell = m_cells[column.cell];

@@ -92,9 +92,7 @@ char const* skip(unsigned char set, char const* text) {
 }
 
 /// Reads a text of nothing but decimal digits; false when it is something else or does not fit.
-template <typename NUMBER>
-bool read_number(std::string_view text, NUMBER& number) {
-    static_assert(std::is_unsigned_v<NUMBER>);
+bool read_number(std::string_view text, unsigned int& number) {
     char const* const end = text.data() + text.size();
     auto const [stop, error] = std::from_chars(text.data(), end, number);
     return error == std::errc() && stop == end;
@@ -403,19 +401,24 @@ void VCD_READER::read_variable() {
 /// Reads a variable's name, its range and the $end. The range may be part of the name's word or be
 /// made of several words; a backslash in front makes brackets part of a name.
 void VCD_READER::read_name(VCD_VARIABLE& variable) {
+    constexpr std::size_t LONGEST_RANGE = 1000;
     std::string name(argument("a variable's name"));
+    std::string& range = variable.range;
     for (next_word_of_command(); word() != "$end"; next_word_of_command()) {
-        variable.range += word();
+        bool const is_open = !range.empty() && range.back() != ']';
+        if ((!is_open && word().front() != '[') || range.size() > LONGEST_RANGE) {
+            refuse("unexpected " + quoted(word()) + " behind the name " + quoted(name)
+                   + "; expected a range such as [7:0] or $end");
+        }
+        range += word();
     }
-    if (!variable.range.empty()
-        && (variable.range.front() != '[' || variable.range.back() != ']')) {
-        refuse("unexpected " + quoted(variable.range) + " behind the name " + quoted(name)
-               + "; expected a range such as [7:0] or $end");
+    if (!range.empty() && range.back() != ']') {
+        refuse("the range " + quoted(range) + " of " + quoted(name) + " is open; expected ]");
     }
     std::size_t const bracket = name.rfind('[');
-    if (variable.range.empty() && name.front() != '\\' && name.back() == ']'
-        && bracket != std::string::npos && name.find(':', bracket) != std::string::npos) {
-        variable.range = name.substr(bracket);
+    if (range.empty() && name.front() != '\\' && name.back() == ']' && bracket != std::string::npos
+        && name.find(':', bracket) != std::string::npos) {
+        range = name.substr(bracket);
         name.resize(bracket);
     }
     variable.name = m_path + name;
