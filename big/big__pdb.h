@@ -38,7 +38,7 @@ public:
     static void* allocate_fn(PDB_THUNK_INFO const* record, MEM_UTILS_CHUNK_ALLOC* pool) {
         std::size_t const size = record->m_size;
         if (pool != nullptr)
-            return pool->chunk_malloc(size, ALIGNMENT);
+            return pool->chunk_malloc(size, alignment);
         return zero_filled(::operator new(size), size);
     }
 
@@ -53,8 +53,8 @@ public:
                                    MEM_UTILS_CHUNK_ALLOC* pool) {
         bool const pooled = pool != nullptr && pool->chunk_allocation_is_enabled();
         bool const counted = pooled || !std::is_trivially_destructible_v<T>;
-        std::size_t const size = count * sizeof(T) + (counted ? COUNT_SIZE : 0);
-        void* block = pooled ? pool->chunk_malloc(size, ALIGNMENT)
+        std::size_t const size = count * sizeof(T) + (counted ? count_size : 0);
+        void* block = pooled ? pool->chunk_malloc(size, alignment)
                              : zero_filled(::operator new[](size), size);
         if (counted)
             block = new (block) unsigned long long(count) + 1;
@@ -83,10 +83,10 @@ public:
 
 private:
     /// Of every block that is taken from a pool.
-    static constexpr unsigned long ALIGNMENT = 8;
+    static constexpr unsigned long alignment = 8;
     /// Bytes of the count in front of an array.
-    static constexpr std::size_t COUNT_SIZE = sizeof(unsigned long long);
-    static_assert(alignof(T) <= ALIGNMENT && COUNT_SIZE == 8);
+    static constexpr std::size_t count_size = sizeof(unsigned long long);
+    static_assert(alignof(T) <= alignment && count_size == 8);
     // So many elements as an unsigned int can count never overflow the size of their block.
     static_assert(sizeof(T) < (std::size_t{1} << 31) && sizeof(std::size_t) == 8);
 

@@ -31,10 +31,10 @@ BIG_FRACTION::BIG_FRACTION(double value)
 bool BIG_FRACTION::fractionalize() {
     if (is_fractional())
         return true;
-    constexpr long long MILLIONTHS = 1000000;
-    constexpr double TWO_TO_63 = 0x1p63;
-    double const millionths = static_cast<double>(MILLIONTHS) * m_value;
-    bool const fits = millionths >= -TWO_TO_63 && millionths < TWO_TO_63; // not-a-number does not
+    constexpr long long millionths_in_one = 1000000;
+    constexpr double two_to_63 = 0x1p63;
+    double const millionths = static_cast<double>(millionths_in_one) * m_value;
+    bool const fits = millionths >= -two_to_63 && millionths < two_to_63; // not-a-number does not
     if (!fits)
         return false;
     long long numerator = static_cast<long long>(millionths); // cut toward zero
@@ -43,7 +43,7 @@ bool BIG_FRACTION::fractionalize() {
     double const cut_off = millionths - static_cast<double>(numerator);
     if (!(1e-6 > cut_off))
         return false;
-    long long denominator = MILLIONTHS;
+    long long denominator = millionths_in_one;
     GEN_MATH::gcd_simplify<long long>(numerator, denominator);
     m_numerator = numerator;
     m_denominator = denominator;
