@@ -3,7 +3,6 @@
 #include "fractions.h"
 #include "recording_platform.h"
 
-#include <bit>
 #include <limits>
 #include <numeric>
 #include <type_traits>
@@ -39,11 +38,6 @@ CALL add_fractions_of(long long num_a, long long den_a, long long num_b, long lo
     return {"GEN_MATH::add_fractions_of",
             {std::to_string(num_a), std::to_string(den_a), std::to_string(num_b),
              std::to_string(den_b)}};
-}
-
-bool same_bits(double a, double b) {
-    return (std::isnan(a) && std::isnan(b))
-           || std::bit_cast<unsigned long long>(a) == std::bit_cast<unsigned long long>(b);
 }
 
 // --- The class ---

@@ -39,6 +39,12 @@ inline BIG_FRACTION make_fraction(long long numerator, long long denominator, do
     return fraction;
 }
 
+/// Whether two doubles are the same in every bit; every not-a-number is one.
+inline bool same_bits(double a, double b) {
+    return (std::isnan(a) && std::isnan(b))
+           || std::bit_cast<unsigned long long>(a) == std::bit_cast<unsigned long long>(b);
+}
+
 /// A double by the shortest digits that name it; every not-a-number is "nan".
 inline std::string text_of(double value) {
     if (std::isnan(value))
