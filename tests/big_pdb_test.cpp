@@ -302,6 +302,19 @@ TEST(BigPdb, LargestArrayDoesNotWrap) {
     }
 }
 
+// --- Objects in memory, as docs/records.md shows them ---
+
+TEST(BigPdb, ObjectIsItsMembersOneBehindTheOther) {
+    BIG_TIME const time("2.5", BIG_TIME::UNIT_NS, false);
+    EXPECT_TRUE(holds(&time, std::string("\xc4\x09\0\0\0\0\0\0\x03\0\0\0", 12)));
+    BIG_FREQUENCY const frequency(1000); // the period of 1 GHz
+    EXPECT_TRUE(holds(&frequency, std::string("\0\0\0\0\x65\xcd\xcd\x41", 8)));
+    BIG_FRACTION const fraction(3, 2);
+    EXPECT_TRUE(holds(&fraction, std::string("\x03\0\0\0\0\0\0\0\x02\0\0\0\0\0\0\0"
+                                             "\0\0\0\0\0\0\xf8\x3f",
+                                             24)));
+}
+
 // --- Construction and destruction ---
 
 TEST(BigPdb, ConstructorMakesTheDefaultState) {
