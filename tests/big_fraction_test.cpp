@@ -4,7 +4,6 @@
 #include "recording_platform.h"
 
 #include <limits>
-#include <numeric>
 #include <type_traits>
 
 namespace {
@@ -19,7 +18,7 @@ constexpr double INF = std::numeric_limits<double>::infinity();
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 
 #ifdef NDEBUG
-constexpr int ROUNDS = 200000;
+constexpr int ROUNDS = 50000;
 #else
 constexpr int ROUNDS = 20000;
 #endif
@@ -214,6 +213,16 @@ TEST(BigFraction, FailedFractionalizeChangesNothing) {
     EXPECT_EQ(text_of(f), "inexact and 0.3333333333333333");
 }
 
+/// The greatest common divisor of the magnitudes.
+WIDE slow_gcd(WIDE a, WIDE b) {
+    while (b != 0) {
+        WIDE const remainder = a % b;
+        a = b;
+        b = remainder;
+    }
+    return a < 0 ? -a : a;
+}
+
 /// The rule of fractionalize in exact arithmetic: x is what the double product gives; what
 /// truncation cuts off it is exact in double.
 bool fractionalize_slowly(double value, long long& numerator, long long& denominator) {
@@ -225,7 +234,7 @@ bool fractionalize_slowly(double value, long long& numerator, long long& denomin
         return false;
     numerator = static_cast<long long>(whole);
     denominator = 1000000;
-    long long const divisor = std::gcd(numerator, denominator);
+    auto const divisor = static_cast<long long>(slow_gcd(numerator, denominator));
     numerator /= divisor;
     denominator /= divisor;
     return true;
@@ -400,16 +409,9 @@ struct SLOW_FRACTION {
         numerator = fits ? static_cast<long long>(wide_numerator) : 0;
         denominator = fits ? static_cast<long long>(wide_denominator) : 0;
         if (fits && reduce) {
-            WIDE a = wide_numerator;
-            WIDE b = wide_denominator;
-            while (b != 0) {
-                WIDE const r = a % b;
-                a = b;
-                b = r;
-            }
-            a = a < 0 ? -a : a;
-            numerator = static_cast<long long>(wide_numerator / a);
-            denominator = static_cast<long long>(wide_denominator / a);
+            WIDE const divisor = slow_gcd(wide_numerator, wide_denominator);
+            numerator = static_cast<long long>(wide_numerator / divisor);
+            denominator = static_cast<long long>(wide_denominator / divisor);
         }
     }
 

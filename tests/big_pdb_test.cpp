@@ -7,7 +7,6 @@
 #include "big_fraction_sys.h"
 #include "big_sys.h"
 #include "fractions.h"
-#include "load_order.h"
 #include "mem_sys.h"
 
 #include <cstdlib>
@@ -64,9 +63,6 @@ namespace {
 
 using recording::CALL;
 
-/// Taken before any test clears them.
-std::vector<CALL> const calls_at_load = recording::calls();
-
 /// What the tests expect of each class.
 struct STORED_CLASS {
     const char* name;
@@ -116,11 +112,7 @@ CALL chunk_malloc(std::size_t size) {
 
 CALL const chunk_allocation_is_enabled = {"MEM_UTILS_CHUNK_ALLOC::chunk_allocation_is_enabled", {}};
 
-// --- Registration ---
-
-TEST(BigPdb, RecordsAreRegisteredInTheirPlaceOfTheLoadOrder) {
-    EXPECT_EQ(calls_at_load, load_order());
-}
+// --- Registration (its place in the load order is in big_load_test.cpp) ---
 
 TEST(BigPdb, RecordsKeepWhatTheyWereGiven) {
     for (STORED_CLASS const& c : stored_classes()) {
