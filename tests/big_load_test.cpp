@@ -14,4 +14,8 @@ TEST(BigLoad, StoredClassesAreRegisteredAmongTheFiles) {
     EXPECT_EQ(recording::calls(), load_order());
 }
 
+TEST(BigLoad, TablesAreThere) { // also what makes a static program take the library in
+    EXPECT_STREQ(BIG_TIME::get_unit_name(BIG_TIME::UNIT_NS), "ns");
+}
+
 } // namespace
