@@ -4,7 +4,7 @@
 //
 //     1/3 += 1/6                   1/2                  0.5
 //     1/3 += (no exact form, 0.1)  no exact form        0.43333333333333335
-//     1/2 /= 0/1                   2/0: no exact form   infinity
+//     1/2 /= 0/1                   1/0: no exact form   infinity
 //
 // A denominator of 0 is the mark of "no exact form"; the numerator then means nothing.
 
