@@ -31,7 +31,7 @@ BIG_FRACTION difference(BIG_FRACTION a, BIG_FRACTION const& b) {
 
 TEST(BigFractionStandalone, BothFormsAreExactWhereTheyCanBe) {
     BIG_FRACTION quarter(0.25);
-    EXPECT_EQ(text_of(quarter), "inexact and 0.25");
+    EXPECT_EQ(text_of(quarter), "0/0 and 0.25");
     EXPECT_TRUE(quarter.fractionalize());
     BIG_FRACTION minus_a_third(-1.0 / 3.0);
     EXPECT_TRUE(minus_a_third.fractionalize());
@@ -43,8 +43,8 @@ TEST(BigFractionStandalone, BothFormsAreExactWhereTheyCanBe) {
     const CASE cases[] = {
         {"reduced", {6, 4}, "3/2 and 1.5"},
         {"signs stay where they are", {6, -4}, "3/-2 and -1.5"},
-        {"over zero", {6, 0}, "inexact and inf"},
-        {"zero over zero", {0, 0}, "inexact and nan"},
+        {"over zero", {6, 0}, "1/0 and inf"},
+        {"zero over zero", {0, 0}, "0/0 and nan"},
         {"the smallest number", {MIN, MIN}, "-1/-1 and 1"},
         {"zero", {0.0}, "0/1 and 0"},
         {"found in millionths", quarter, "1/4 and 0.25"},
@@ -54,12 +54,12 @@ TEST(BigFractionStandalone, BothFormsAreExactWhereTheyCanBe) {
         {"a sum whose products do not fit", sum({1, MAX}, {2, MAX}),
          "3/9223372036854775807 and 3.2526065174565133e-19"},
         {"a difference that vanishes", difference({MAX, 7}, {MAX, 7}), "0/1 and 0"},
-        {"a sum that does not fit", sum({MAX, 1}, {1, 1}), "inexact and 9223372036854775808"},
+        {"a sum that does not fit", sum({MAX, 1}, {1, 1}), "0/0 and 9223372036854775808"},
         {"minus the smallest number is itself", difference({0, 1}, {MIN, 1}),
          "-9223372036854775808/1 and 9223372036854775808"},
         {"a quotient is not reduced", BIG_FRACTION(1, 2) / BIG_FRACTION(1, 2), "2/2 and 1"},
-        {"by zero", BIG_FRACTION(1, 2) / BIG_FRACTION(0, 1), "inexact and inf"},
-        {"inexact operand", sum({1, 2}, {0.1}), "inexact and 0.6"},
+        {"by zero", BIG_FRACTION(1, 2) / BIG_FRACTION(0, 1), "1/0 and inf"},
+        {"inexact operand", sum({1, 2}, {0.1}), "0/0 and 0.6"},
     };
     for (const CASE& c : cases) {
         SCOPED_TRACE(c.why);

@@ -17,26 +17,46 @@
 #include <random>
 #include <string>
 
-/// A fraction with these members, as a database would read it.
-inline BIG_FRACTION make_fraction(long long numerator, long long denominator, double value) {
-    struct SEGMENT final : PDB_SEGMENT_TEMPLATE<PDB_ANY_SEG_BASE> {
-        void transfer(long long* member) override { *member = m_integers[m_next++]; }
-        void transfer(int*) override {}
-        void transfer(double* member) override { *member = m_double; }
-        void begin_object(PDB_THUNK_INFO const*, void*) override {}
-        bool end_object() override { return true; }
+/// The members of a fraction, which a database could read from it or write into it.
+class FRACTION_MEMBERS final : public PDB_SEGMENT_TEMPLATE<PDB_ANY_SEG_BASE> {
+public:
+    /// Those of a fraction.
+    explicit FRACTION_MEMBERS(BIG_FRACTION fraction) { fraction << *this; }
+    /// Those that a fraction is to have.
+    FRACTION_MEMBERS(long long numerator, long long denominator, double value)
+        : m_integers{numerator, denominator}, m_double(value), m_writes(true) {}
 
-        long long m_integers[2] = {};
-        int m_next = 0;
-        double m_double = 0.0;
-    };
-    SEGMENT segment;
-    segment.m_integers[0] = numerator;
-    segment.m_integers[1] = denominator;
-    segment.m_double = value;
-    BIG_FRACTION fraction;
-    fraction << segment;
-    return fraction;
+    BIG_FRACTION fraction() {
+        BIG_FRACTION fraction;
+        fraction << *this;
+        return fraction;
+    }
+
+    void transfer(long long* member) override { pass(m_integers[m_next++], *member); }
+    void transfer(int*) override {}
+    void transfer(double* member) override { pass(m_double, *member); }
+    void begin_object(PDB_THUNK_INFO const*, void*) override { m_next = 0; }
+    bool end_object() override { return true; }
+
+    long long m_integers[2] = {};
+    double m_double = 0.0;
+
+private:
+    template <typename MEMBER>
+    void pass(MEMBER& here, MEMBER& in_the_fraction) {
+        if (m_writes)
+            in_the_fraction = here;
+        else
+            here = in_the_fraction;
+    }
+
+    bool m_writes = false;
+    int m_next = 0;
+};
+
+/// A fraction with these members.
+inline BIG_FRACTION make_fraction(long long numerator, long long denominator, double value) {
+    return FRACTION_MEMBERS(numerator, denominator, value).fraction();
 }
 
 /// Whether two doubles are the same in every bit; every not-a-number is one.
@@ -53,13 +73,11 @@ inline std::string text_of(double value) {
     return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
 }
 
-/// Both forms of a fraction: "3/2 and 1.5", or "inexact and 0.1".
+/// Both forms of a fraction: "3/2 and 1.5"; with a denominator of 0 there is no exact form.
 inline std::string text_of(BIG_FRACTION const& fraction) {
-    std::string const exact = fraction.is_fractional()
-                                  ? std::to_string(fraction.get_numerator()) + '/'
-                                        + std::to_string(fraction.get_denominator())
-                                  : "inexact";
-    return exact + " and " + text_of(fraction.get_value());
+    FRACTION_MEMBERS const members(fraction);
+    return std::to_string(members.m_integers[0]) + '/' + std::to_string(members.m_integers[1])
+           + " and " + text_of(members.m_double);
 }
 
 inline void PrintTo(BIG_FRACTION const& fraction, std::ostream* out) {
