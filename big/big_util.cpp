@@ -80,13 +80,13 @@ UNSIGNED gcd_by_halving(UNSIGNED a, UNSIGNED b) {
             if ((a | b) >> 64 == 0)
                 return UNSIGNED{gcd_by_halving(static_cast<ULONG64>(a), static_cast<ULONG64>(b))}
                        << common_halvings;
-        // b - a has the same trailing zeros, so that their count does not wait for the comparison,
-        // and nothing here is a branch.
+        // Nothing here is a branch, which would be guessed wrong every other time. b - a has the
+        // same trailing zeros, so that their count need not wait for the comparison.
         UNSIGNED const difference = a - b;
         int const halvings = trailing_zeros(difference);
-        bool const b_is_larger = a < b;
-        b = b_is_larger ? a : b;
-        a = (b_is_larger ? 0 - difference : difference) >> halvings;
+        UNSIGNED const sign = 0 - UNSIGNED{a < b}; // all ones below 0
+        b = std::min(a, b);
+        a = ((difference ^ sign) - sign) >> halvings; // the magnitude of the difference
     }
     return a << common_halvings;
 }
