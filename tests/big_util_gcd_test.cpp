@@ -1,6 +1,7 @@
 // Common divisors: three algorithms for three types, and the reduction of a pair.
 
 #include "recording_platform.h"
+#include "ulong128_by_cells.h"
 
 #include "big_sys.h"
 
@@ -295,6 +296,102 @@ TEST(BigUtilGcd, ErasedOperandWithANumberIsAnInternalError) {
         EXPECT_INTERNAL_ERROR(big_gcd_modulo(number, none), "Underflow", "2", "big/big_ulong128");
         EXPECT_INTERNAL_ERROR(big_gcd_binary(none, number), "Underflow", "2", "big/big_ulong128");
         EXPECT_INTERNAL_ERROR(big_gcd_binary(number, none), "Underflow", "2", "big/big_ulong128");
+    }
+}
+
+// The rules of the 128-bit forms, step by step in the slow operations of the tests' own integer.
+
+by_cells::VALUE modulo_by_cells(by_cells::VALUE a, by_cells::VALUE b) {
+    while (!equal(b, by_cells::zero())) {
+        by_cells::VALUE const before = a;
+        a = b;
+        b = remainder(before, a);
+    }
+    return a;
+}
+
+by_cells::VALUE binary_by_cells(by_cells::VALUE a, by_cells::VALUE b) {
+    by_cells::VALUE const zero = by_cells::zero();
+    by_cells::VALUE const one = by_cells::of_word(1);
+    by_cells::VALUE const two = by_cells::of_word(2);
+    by_cells::VALUE factor = one;
+    if (equal(a, zero))
+        return b;
+    if (equal(b, zero))
+        return a;
+    while (!equal(a, b)) {
+        if (!equal(remainder(a, two), zero) && !equal(remainder(b, two), zero)) {
+            if (greater(a, b))
+                a = quotient(difference(a, b), two);
+            else
+                b = quotient(difference(b, a), two);
+        } else if (equal(remainder(a, two), zero) && equal(remainder(b, two), zero)) {
+            factor = product(factor, two);
+            a = quotient(a, two);
+            b = quotient(b, two);
+        } else if (equal(remainder(a, two), one)) {
+            b = quotient(b, two);
+        } else {
+            a = quotient(a, two);
+        }
+    }
+    return greater(factor, one) ? product(a, factor) : a;
+}
+
+by_cells::VALUE cells_of(BIG_ULONG128 value) {
+    if (!value.is_defined())
+        return {0, {}};
+    by_cells::VALUE cells = by_cells::of_two_words(value.get_low_qword());
+    if (value.get_high_qword() != 0)
+        partial_add(cells, 2, by_cells::of_two_words(value.get_high_qword()));
+    return cells;
+}
+
+/// What a form gives: its result, or the internal error that it reports.
+template <typename RUN>
+std::string outcome(RUN run) {
+    try {
+        BIG_ULONG128 result = run();
+        return result.is_defined() ? hex(narrow(result)) : "erased";
+    } catch (recording::INTERNAL_ERROR const& error) {
+        return error.text;
+    }
+}
+
+template <typename RUN>
+std::string outcome_by_cells(RUN run) {
+    try {
+        by_cells::VALUE const result = run();
+        UINT128 value = 0;
+        for (int i = result.length - 1; i >= 0; --i)
+            value = value << 32 | result.cells[static_cast<std::size_t>(i)].value();
+        return result.length == 0 ? "erased" : hex(value);
+    } catch (by_cells::REPORT const& report) {
+        return report.text;
+    }
+}
+
+TEST(BigUtilGcd, WideFormsAgreeWithTheirRulesStepByStep) {
+    constexpr unsigned long long seed = 20260112;
+    std::mt19937_64 random(seed);
+    auto const operand = [&random] {
+        if (random() % 8 == 0)
+            return random() % 2 == 0 ? erased() : BIG_ULONG128();
+        return wide((UINT128{random()} << 64 | random()) >> (random() % 128));
+    };
+    for (int round = 0; round < ROUNDS / 20; ++round) {
+        BIG_ULONG128 a = operand();
+        BIG_ULONG128 b = operand();
+        SCOPED_TRACE(testing::Message() << "seed " << seed << ", " << testing::PrintToString(a)
+                                        << " and " << testing::PrintToString(b));
+        by_cells::VALUE const x = cells_of(a);
+        by_cells::VALUE const y = cells_of(b);
+        ASSERT_EQ(outcome([&] { return big_gcd_binary(a, b); }),
+                  outcome_by_cells([&] { return binary_by_cells(x, y); }));
+        if (b.is_defined()) { // division by an erased value has no rule
+            ASSERT_EQ(outcome([&] { return big_gcd_modulo(a, b); }),
+                      outcome_by_cells([&] { return modulo_by_cells(x, y); }));
+        }
     }
 }
 
