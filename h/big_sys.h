@@ -681,6 +681,9 @@ public:
 // ------------------------------------------------------------------------------------------------
 // Common divisors
 // ------------------------------------------------------------------------------------------------
+//
+// An erased 128-bit operand comes back from 0 and from another erased one; with any other number it
+// is the internal error "Underflow", path "big/big_ulong128".
 
 /// The greatest common divisor by repeated subtraction. Two equal operands, two zeros included,
 /// give that operand.
@@ -708,8 +711,8 @@ BIG_API unsigned int big_gcd_binary(unsigned int a, unsigned int b);
 BIG_API long long big_gcd_binary(long long a, long long b);
 BIG_API BIG_ULONG128 big_gcd_binary(BIG_ULONG128 a, BIG_ULONG128 b);
 
-/// Divides both by their greatest common divisor. Two negatives become positive, one keeps its
-/// sign; two zeros stay.
+/// Divides both by their greatest common divisor. Two negatives become positive (but -2^63, which
+/// has no positive counterpart, stays negative), one keeps its sign; two zeros stay.
 BIG_API void big_suppress_gcd(long long& numerator, long long& denominator);
 
 // ------------------------------------------------------------------------------------------------
