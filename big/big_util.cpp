@@ -1,5 +1,277 @@
+// Numbers and units as text, and the arithmetic that tools share.
+
 #include "big_frame.h"
+
+#include "big_sys.h"
+#include "big_text.h"
+#include "big_units.h"
+#include "gen_sys.h"
+#include "ktl_sys.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string_view>
+#include <vector>
 
 #define BIG_SOURCE_PATH "big/big_util"
 
 static MEM_INITIALIZER s_mem_initializer("BIG");
+
+// ------------------------------------------------------------------------------------------------
+// Decimal numbers held as text
+// ------------------------------------------------------------------------------------------------
+//
+//     number = [sign] digits ["." fraction run] [whatever follows, such as a unit]
+//
+// The point is the first "." of the text, and the fraction run the digits directly behind it.
+
+namespace {
+
+/// The place of the point and the end of the fraction run.
+struct FRACTION_RUN {
+    std::size_t point; ///< npos when there is none
+    std::size_t end;   ///< one past the last digit of the run
+
+    bool has_more_digits_than(std::size_t precision) const {
+        return point != std::string::npos && end - point - 1 > precision;
+    }
+};
+
+FRACTION_RUN find_fraction_run(std::string const& s) {
+    std::size_t const point = s.find('.');
+    if (point == std::string::npos)
+        return {point, point};
+    std::size_t const end = s.find_first_not_of("0123456789", point + 1);
+    return {point, std::min(end, s.size())};
+}
+
+/// Whether cutting to `precision` digits would drop a first digit of 5 or more. The digits behind
+/// that one do not matter.
+bool big_need_rounding(std::string const* s, unsigned int precision) {
+    FRACTION_RUN const run = find_fraction_run(*s);
+    return run.has_more_digits_than(precision) && (*s)[run.point + precision + 1] > '4';
+}
+
+} // namespace
+
+void big_trim_begin_blankspace(std::string& s) {
+    s.erase(s.begin(), std::find_if_not(s.begin(), s.end(), big_is_blank));
+}
+
+void big_trim_end_blankspace(std::string& s) {
+    s.erase(std::find_if_not(s.rbegin(), s.rend(), big_is_blank).base(), s.end());
+}
+
+void big_truncate_to_precision(std::string* s, unsigned int precision) {
+    FRACTION_RUN const run = find_fraction_run(*s);
+    if (!run.has_more_digits_than(precision))
+        return;
+    std::size_t const cut = precision == 0 ? run.point : run.point + precision + 1;
+    s->erase(cut, run.end - cut);
+}
+
+void big_trim_end_zero(std::string* s) {
+    std::size_t const point = s->find('.');
+    if (point == std::string::npos)
+        return;
+    std::size_t last = s->size() - 1;
+    while (last > point + 1 && (*s)[last] == '0')
+        --last;
+    s->erase(last + 1);
+}
+
+long long big_atoi64(std::string const& s) {
+    if (s.size() > 19)
+        BIG_FAIL("The input time is too big. It is over 64 bits.");
+    unsigned long long sum = 0; // wraps above 2^64, as callers rely on
+    for (std::size_t i = 0; i < s.size() && s[i] != '.'; ++i) {
+        // The power counts from the end of the whole text, a point included.
+        long long const power = BIG_TIME::get_power_table(s.size() - 1 - i);
+        sum += static_cast<unsigned long long>(s[i] - '0') * static_cast<unsigned long long>(power);
+    }
+    return static_cast<long long>(sum);
+}
+
+void big_rounding(std::string* str) {
+    BIG_REQUIRE(!str->empty());
+    std::string& s = *str;
+    big_trim_begin_blankspace(s);
+    big_trim_end_blankspace(s);
+    if (s.empty())
+        return;
+    std::size_t grown = s.find_last_not_of("9.-+"); // the digit that takes the carry
+    if (grown == std::string::npos) {
+        grown = s.front() == '+' || s.front() == '-' ? 1 : 0;
+        s.insert(grown, 1, '1');
+    } else {
+        ++s[grown];
+    }
+    std::replace_if(s.begin() + static_cast<std::ptrdiff_t>(grown) + 1, s.end(), big_is_digit, '0');
+}
+
+void big_round_to_precision(std::string* s, unsigned int precision, bool trim_trailing_zeros) {
+    bool const rounds_up = big_need_rounding(s, precision);
+    big_truncate_to_precision(s, precision);
+    if (rounds_up)
+        big_rounding(s);
+    if (trim_trailing_zeros)
+        big_trim_end_zero(s);
+}
+
+// ------------------------------------------------------------------------------------------------
+// Tokens and numbers of a time text
+// ------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// The tokens of a text: its runs of characters other than space, tab and line feed.
+std::vector<std::string> tokens_of(std::string const& text) {
+    std::string const none;
+    KTL_TOKENIZER tokenizer(" \t\n", false, none, none, none, false);
+    std::vector<std::string> tokens;
+    tokenizer.tokenize(text, tokens);
+    return tokens;
+}
+
+#define ENUMERATOR(unit, text, power) BIG_TIME::unit,
+/// The unit that stands at each index of the unit strings.
+constexpr int big_time_unit_array[] = {BIG_UNIT_ROWS(ENUMERATOR)};
+#undef ENUMERATOR
+
+// Plain unit names are found without a comparison for each name. The letters of a name of at most
+// four, folded to lower case, make a key; a multiplier for which the keys of all names fall into
+// different slots is searched when this file is compiled.
+
+constexpr std::size_t short_name_at_most = 4;
+
+/// A key that is unique among names of one length.
+constexpr std::uint32_t key_of_name(std::string_view name) {
+    constexpr std::uint32_t lower_case = 0x20; // folds letters; no other byte becomes a letter
+    std::size_t const n = name.size();
+    std::uint32_t key = 0;
+    for (std::size_t const at : {std::size_t{0}, n / 4, n / 2, n - 1})
+        key = key << 8 | (static_cast<unsigned char>(name[at]) | lower_case);
+    return key;
+}
+
+struct NAME_SLOT {
+    std::uint32_t key = 0;
+    std::uint32_t length = 0; ///< 0 when the slot is free
+    BIG_TIME::TIME_UNIT unit = BIG_TIME::MAX_TIME_UNIT;
+};
+
+struct NAME_TABLE {
+    static constexpr int slot_bits = 5;
+    std::uint32_t multiplier = 1;
+    std::array<NAME_SLOT, 1 << slot_bits> slots;
+
+    constexpr std::size_t slot_of(std::uint32_t key) const {
+        return static_cast<std::uint32_t>(key * multiplier) >> (32 - slot_bits);
+    }
+    /// Puts a name into its slot; false when the slot is taken.
+    constexpr bool put(BIG_TIME::TIME_UNIT unit, std::string_view name) {
+        if (name.empty() || name.size() > short_name_at_most)
+            return true;
+        NAME_SLOT& slot = slots[slot_of(key_of_name(name))];
+        if (slot.length != 0)
+            return false;
+        slot = {key_of_name(name), static_cast<std::uint32_t>(name.size()), unit};
+        return true;
+    }
+};
+
+consteval NAME_TABLE make_name_table() {
+#define PUT(unit, text, power) &&table.put(BIG_TIME::unit, text)
+    for (std::uint32_t multiplier = 0x9E3779B1;; multiplier += 2) {
+        NAME_TABLE table;
+        table.multiplier = multiplier;
+        if (true BIG_UNIT_ROWS(PUT))
+            return table;
+    }
+#undef PUT
+}
+
+constexpr NAME_TABLE name_table = make_name_table();
+
+} // namespace
+
+BIG_TIME::TIME_UNIT big_plain_unit(std::string_view text) {
+    if (text.empty() || text.size() > short_name_at_most)
+        return BIG_TIME::MAX_TIME_UNIT; // the longer name is worth no more than the general way
+    std::uint32_t const key = key_of_name(text);
+    NAME_SLOT const& slot = name_table.slots[name_table.slot_of(key)];
+    return slot.key == key && slot.length == text.size() ? slot.unit : BIG_TIME::MAX_TIME_UNIT;
+}
+
+bool big_is_no_token(std::string const& s) {
+    return tokens_of(s).empty();
+}
+
+bool big_is_one_token(std::string& s) {
+    std::vector<std::string> tokens = tokens_of(s);
+    s.clear();
+    if (tokens.size() != 1)
+        return false;
+    s.swap(tokens.front());
+    return true;
+}
+
+BIG_TIME::TIME_UNIT big_get_time_unit(std::string const& s) {
+    if (BIG_TIME::TIME_UNIT const unit = big_plain_unit(s); unit != BIG_TIME::MAX_TIME_UNIT)
+        return unit;
+    if (big_is_no_token(s))
+        return BIG_TIME::UNIT_NONE;
+    std::string token = s;
+    if (!big_is_one_token(token))
+        return BIG_TIME::MAX_TIME_UNIT;
+    for (int unit = BIG_TIME::UNIT_FS; unit < BIG_TIME::MAX_TIME_UNIT; ++unit)
+        if (gen_stricmp(token.c_str(), BIG_TIME::get_unit_name(unit)) == 0)
+            return static_cast<BIG_TIME::TIME_UNIT>(big_time_unit_array[unit]);
+    return BIG_TIME::MAX_TIME_UNIT;
+}
+
+namespace {
+
+/// Whether a text without white space around it is
+///
+///     number = ["+" | "-"] digits ["." [digits]] | ["+" | "-"] "." digits | "+."
+///
+/// The lone "+." is let through, as callers rely on.
+bool is_decimal_number(std::string const& text) {
+    if (text.empty() || text == "-." || text == ".")
+        return false;
+    std::size_t const sign_length = text.front() == '+' || text.front() == '-' ? 1 : 0;
+    return text.size() > sign_length
+           && text.find_first_not_of("0123456789.", sign_length) == std::string::npos
+           && std::count(text.begin(), text.end(), '.') <= 1;
+}
+
+/// Removes leading zeros, all but one digit before the point.
+void strip_leading_zeros(std::string& number) {
+    std::size_t const first_digit = number.find_first_of("0123456789");
+    if (first_digit == std::string::npos)
+        return;
+    std::size_t const zeros_end =
+        std::min(number.find_first_not_of('0', first_digit), number.size());
+    std::size_t const point = std::min(number.find('.'), number.size());
+    // Behind a point that comes first every zero goes, so that .05 becomes .5: a loss of value on
+    // which callers rely. A sign in front prevents it.
+    std::size_t const removed_at_most = point == 0 ? number.size() : point - first_digit - 1;
+    bool const has_digit_before_point = point == 0 || point > first_digit;
+    if (has_digit_before_point)
+        number.erase(first_digit, std::min(zeros_end - first_digit, removed_at_most));
+}
+
+} // namespace
+
+std::string big_get_time_value(std::string const& s) {
+    std::string number = gen_remove_leading_and_trailing_white_spaces(s);
+    if (!is_decimal_number(number)) {
+        mem_msg_vdebug("Illegal input \"%s\" in big_get_time_value()", s.c_str());
+        return std::string();
+    }
+    big_trim_end_zero(&number);
+    strip_leading_zeros(number);
+    return number;
+}
