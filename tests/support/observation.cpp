@@ -28,7 +28,7 @@ void PrintTo(OBSERVATION const& observation, std::ostream* out) {
 
 std::string left_by(std::out_of_range const& error) {
     std::string const what = error.what();
-    return "std::out_of_range of " + what.substr(0, what.find(':'));
+    return "std::out_of_range of " + what.substr(0, what.find(": "));
 }
 
 std::vector<recording::CALL> reports_without_lines() {
