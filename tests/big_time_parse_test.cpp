@@ -818,7 +818,7 @@ TEST_F(BigTimeParse, ReadsAnyTextAsTheOracleDoes) {
             bool const result = times.set_time(held, text, post);
             times.separate_time_num_and_unit(text, number, unit);
             return words(result, held.count, held.unit, number, unit);
-        })) << quoted(text)
+        })) << in_quotes(text)
             << (post ? ", posting" : "") << ", case " << i << " of seed " << seed;
     }
 }
@@ -839,7 +839,7 @@ TEST_F(BigTimeParse, ReadsANumberInEveryUnitAsTheOracleDoes) {
             int const status = times.string_to_big_int(text, unit, value, post);
             bool const canonical = times.format_time_string(formatted, unit, post);
             return words(status, value, canonical, formatted);
-        })) << quoted(text)
+        })) << in_quotes(text)
             << " in unit " << unit << (post ? ", posting" : "") << ", case " << i << " of seed "
             << seed;
     }
@@ -863,9 +863,9 @@ TEST_F(BigTimeParse, ReadsNumberAndUnitApartAsTheOracleDoes) {
             int const status = times.is_legal(number, unit);
             int const joined_status = times.is_legal(number + unit);
             return words(result, held.count, held.unit, status, joined_status);
-        })) << quoted(number)
-            << " and " << quoted(unit) << (post ? ", posting" : "") << ", case " << i << " of seed "
-            << seed;
+        })) << in_quotes(number)
+            << " and " << in_quotes(unit) << (post ? ", posting" : "") << ", case " << i
+            << " of seed " << seed;
     }
 }
 
@@ -878,7 +878,7 @@ TEST_F(BigTimeParse, PreviewsAnyTextAsTheOracleDoes) {
             std::string preview = "before";
             bool const truncated = times.will_value_be_truncated(text.c_str(), preview);
             return words(truncated, preview);
-        })) << quoted(text)
+        })) << in_quotes(text)
             << ", case " << i << " of seed " << seed;
     }
 }
@@ -898,7 +898,7 @@ TEST_F(BigTimeParse, ReadsEveryShortNumberAsTheOracleDoes) {
                 std::string const whole = text + BIG_TIME::s_unit_strings[unit];
                 bool const truncated = times.will_value_be_truncated(whole.c_str(), preview);
                 return words(status, value, canonical, formatted, truncated, preview);
-            })) << quoted(text)
+            })) << in_quotes(text)
                 << " in unit " << unit;
         if (text.size() == 5)
             return;

@@ -425,7 +425,7 @@ TEST_F(BigTimePrint, PlacesThePointAsTheOracleDoes) {
             std::string s = text;
             times.add_decimal(s, unit);
             return words(s);
-        })) << quoted(text)
+        })) << in_quotes(text)
             << " in unit " << unit << ", case " << i << " of seed " << seed;
     }
 }

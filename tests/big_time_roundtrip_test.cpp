@@ -54,8 +54,8 @@ TEST_F(BigTimeRoundtrip, TheRawTextReadsBackAsTheSameTime) {
         BIG_TIME read;
         ASSERT_TRUE(read.set_time(text, true)) << text;
         ASSERT_EQ(held_by(read), (HELD{count, unit}))
-            << quoted(text) << ", case " << i << " of seed " << seed;
-        ASSERT_EQ(recording::reports(), SILENCE) << quoted(text);
+            << in_quotes(text) << ", case " << i << " of seed " << seed;
+        ASSERT_EQ(recording::reports(), SILENCE) << in_quotes(text);
         ASSERT_EQ(read.to_raw_string(), text);
     }
 }
@@ -74,8 +74,8 @@ TEST_F(BigTimeRoundtrip, ATimePrintedInAnyTimeUnitReadsBackAsTheSameCount) {
         BIG_TIME read;
         ASSERT_TRUE(read.set_time(text, true)) << text;
         ASSERT_EQ(held_by(read), (HELD{count, unit}))
-            << quoted(text) << ", case " << i << " of seed " << seed;
-        ASSERT_EQ(recording::reports(), SILENCE) << quoted(text);
+            << in_quotes(text) << ", case " << i << " of seed " << seed;
+        ASSERT_EQ(recording::reports(), SILENCE) << in_quotes(text);
     }
 }
 
@@ -94,8 +94,8 @@ TEST_F(BigTimeRoundtrip, AFrequencyOrRatePrintedInItsKindReadsBackAsTheSameCount
         BIG_TIME read;
         ASSERT_TRUE(read.set_time(text, true)) << text;
         ASSERT_EQ(held_by(read), (HELD{count, unit}))
-            << quoted(text) << ", case " << i << " of seed " << seed;
-        ASSERT_EQ(recording::reports(), SILENCE) << quoted(text);
+            << in_quotes(text) << ", case " << i << " of seed " << seed;
+        ASSERT_EQ(recording::reports(), SILENCE) << in_quotes(text);
     }
 }
 
@@ -109,7 +109,7 @@ TEST_F(BigTimeRoundtrip, ATimeInTheUnitOfItsMagnitudeReadsBackAsTheSameCount) {
         BIG_TIME read;
         ASSERT_TRUE(read.set_time(text, false)) << text;
         ASSERT_EQ(read.get_time_value(), count)
-            << quoted(text) << ", case " << i << " of seed " << seed;
+            << in_quotes(text) << ", case " << i << " of seed " << seed;
     }
 }
 
@@ -162,7 +162,10 @@ TEST_F(BigTimeRoundtrip, ReadsWhatTheDigitsMeanCutTowardZero) {
         std::string const places = samples.digits(samples.once_in(4) ? 20 : 6);
         bool const point = !places.empty() || samples.once_in(4);
         int const unit = samples.unit();
-        std::string const text = sign + whole + (point ? "." : "") + places;
+        std::string text = sign + whole;
+        if (point)
+            text += '.';
+        text += places;
         if (whole.empty() && places.empty())
             continue;
 
@@ -185,7 +188,7 @@ TEST_F(BigTimeRoundtrip, ReadsWhatTheDigitsMeanCutTowardZero) {
         recording::clear();
         long long value = 77;
         int const status = BIG_TIME::string_to_big_int(text, unit_of(unit), value, true);
-        std::string const input = quoted(text) + " in unit " + std::to_string(unit) + ", case "
+        std::string const input = in_quotes(text) + " in unit " + std::to_string(unit) + ", case "
                                   + std::to_string(i) + " of seed " + std::to_string(seed);
         ASSERT_EQ(status, legal ? 0 : 1) << input;
         if (legal)
@@ -217,7 +220,7 @@ std::string printed(long long count, int resolution, unsigned int precision, boo
     fraction.insert(0, static_cast<std::size_t>(places) - fraction.size(), '0');
     while (trim && fraction.size() > 1 && fraction.back() == '0')
         fraction.pop_back();
-    return sign + whole.str() + "." + fraction;
+    return sign + whole.str() + '.' + fraction;
 }
 
 TEST_F(BigTimeRoundtrip, PrintsTheExactQuotientRoundedHalfUp) {
@@ -251,7 +254,8 @@ TEST_F(BigTimeRoundtrip, APreviewIsWhatReadingKeepsWhereTheTextIsPlain) {
         if (unit == BIG_TIME::UNIT_NONE || unit == BIG_TIME::UNIT_FS)
             unit = BIG_TIME::UNIT_NS;
         std::string text = std::to_string(samples.below(1000000));
-        text += "." + samples.digits(16);
+        text += '.';
+        text += samples.digits(16);
         std::string const name = BIG_TIME::s_unit_strings[unit];
         std::string stored = text;
         recording::clear();
@@ -259,13 +263,14 @@ TEST_F(BigTimeRoundtrip, APreviewIsWhatReadingKeepsWhereTheTextIsPlain) {
         bool const lost = !recording::reports().empty();
         std::string preview;
         ASSERT_EQ(BIG_TIME::will_value_be_truncated((text + name).c_str(), preview), lost)
-            << quoted(text + name) << ", case " << i << " of seed " << seed;
+            << in_quotes(text + name) << ", case " << i << " of seed " << seed;
         if (!lost)
             continue;
         // a unit without places keeps its point in the preview
         std::string const plain =
             BIG_TIME::s_fraction_digits[unit] == 0 ? stored + ". " + name : stored + " " + name;
-        ASSERT_EQ(preview, plain) << quoted(text + name) << ", case " << i << " of seed " << seed;
+        ASSERT_EQ(preview, plain) << in_quotes(text + name) << ", case " << i << " of seed "
+                                  << seed;
     }
 }
 

@@ -251,7 +251,7 @@ TEST_F(BigTimeUnits, AreReadAsTheOracleReadsThem) {
             bool const result = times.extract_time_units(text.c_str(), unit);
             return words(result, unit);
         })) << "text "
-            << quoted(text) << ", case " << i << " of seed " << seed;
+            << in_quotes(text) << ", case " << i << " of seed " << seed;
     }
 }
 

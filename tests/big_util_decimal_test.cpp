@@ -359,7 +359,7 @@ TEST(BigUtilDecimal, RoundsAsTheOracleDoes) {
             std::string s = text;
             times.round_to_precision(s, precision, trim);
             return words(s);
-        })) << quoted(text)
+        })) << in_quotes(text)
             << " to " << precision << (trim ? " trimmed" : "") << ", case " << i << " of seed "
             << seed;
     }
@@ -375,7 +375,7 @@ TEST(BigUtilDecimal, AddsOneInTheLastPlaceAsTheOracleDoes) {
             std::string s = text;
             times.rounding(s);
             return words(s);
-        })) << quoted(text)
+        })) << in_quotes(text)
             << ", case " << i << " of seed " << seed;
     }
 }
@@ -398,7 +398,7 @@ TEST(BigUtilDecimal, CutsAndTrimsAnyBytesAsTheOracleDoes) {
             times.trim_end_zero(zero);
             times.truncate_to_precision(cut, precision);
             return words(begin, end, zero, cut);
-        })) << quoted(text)
+        })) << in_quotes(text)
             << " to " << precision << ", case " << i << " of seed " << seed;
     }
 }
@@ -411,7 +411,7 @@ TEST(BigUtilDecimal, ReadsDigitsAsTheOracleDoes) {
         if (samples.once_in(4))
             text = samples.number_text();
         ASSERT_TRUE(library_obeys([&](auto& times) { return words(times.atoi64(text)); }))
-            << quoted(text) << ", case " << i << " of seed " << seed;
+            << in_quotes(text) << ", case " << i << " of seed " << seed;
     }
 }
 

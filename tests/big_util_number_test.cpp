@@ -128,7 +128,7 @@ TEST(BigUtilNumber, ACanonicalTextStaysUnlessItsPointStandsFirst) {
         if (canonical.empty() || canonical == ".")
             continue;
         ASSERT_EQ(big_get_time_value(canonical), canonical)
-            << quoted(text) << ", case " << i << " of seed " << seed;
+            << in_quotes(text) << ", case " << i << " of seed " << seed;
     }
 }
 
@@ -145,7 +145,7 @@ TEST(BigUtilNumber, ReadsAnyTextAsTheOracleDoes) {
         if (samples.once_in(20))
             text = samples.bytes(6);
         ASSERT_TRUE(library_obeys([&](auto& times) { return words(times.get_time_value(text)); }))
-            << quoted(text) << ", case " << i << " of seed " << seed;
+            << in_quotes(text) << ", case " << i << " of seed " << seed;
     }
 }
 
@@ -155,7 +155,7 @@ TEST(BigUtilNumber, ReadsEveryShortTextAsTheOracleDoes) {
     std::string text;
     auto const extend = [&](auto& self) -> void {
         ASSERT_TRUE(library_obeys([&](auto& times) { return words(times.get_time_value(text)); }))
-            << quoted(text);
+            << in_quotes(text);
         if (text.size() == 5)
             return;
         for (char const c : alphabet) {

@@ -95,7 +95,7 @@ TEST(BigUtilToken, EveryUnitIsFoundByItsNameInAnyLetterCase) {
     for (UNIT_ROW const& row : UNITS)
         for (std::string const name : row.names)
             for (std::string const& text : {name, " " + name, name + "\n", "\t" + name + " "})
-                EXPECT_EQ(big_get_time_unit(text), row.unit) << quoted(text);
+                EXPECT_EQ(big_get_time_unit(text), row.unit) << in_quotes(text);
     EXPECT_EQ(recording::reports(), SILENCE);
 }
 
@@ -133,6 +133,33 @@ TEST(BigUtilToken, ALongTextIsOneToken) {
     EXPECT_EQ(big_get_time_unit(text), BIG_TIME::MAX_TIME_UNIT);
 }
 
+// A name with any byte in any place: nothing but the other letter case is the same name.
+TEST(BigUtilToken, NoOtherByteStandsForALetter) {
+    for (int unit = 1; unit < 15; ++unit) {
+        std::string const name = BIG_TIME::s_unit_strings[unit];
+        for (std::size_t place = 0; place < name.size(); ++place) {
+            for (int byte = 0; byte < 256; ++byte) {
+                std::string text = name;
+                text[place] = static_cast<char>(byte);
+                ASSERT_TRUE(library_obeys([&](auto& times) {
+                    return words(times.get_time_unit(text));
+                })) << in_quotes(text);
+            }
+        }
+    }
+}
+
+TEST(BigUtilToken, FindsEveryTextOfTwoBytesAsTheOracleDoes) {
+    for (int first = 0; first < 256; ++first) {
+        for (int second = 0; second < 256; ++second) {
+            std::string const text = {static_cast<char>(first), static_cast<char>(second)};
+            ASSERT_TRUE(library_obeys([&](auto& times) {
+                return words(times.get_time_unit(text));
+            })) << in_quotes(text);
+        }
+    }
+}
+
 TEST(BigUtilToken, SplitsAnyTextAsTheOracleDoes) {
     constexpr unsigned int seed = 40401;
     TIME_SAMPLES samples(seed);
@@ -149,7 +176,7 @@ TEST(BigUtilToken, SplitsAnyTextAsTheOracleDoes) {
             bool const none = times.is_no_token(text);
             bool const one = times.is_one_token(left);
             return words(none, one, left, times.get_time_unit(text));
-        })) << quoted(text)
+        })) << in_quotes(text)
             << ", case " << i << " of seed " << seed;
     }
 }

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-std::string quoted(std::string const& text) {
+std::string in_quotes(std::string const& text) {
     static char const hex[] = "0123456789abcdef";
     std::string result = "\"";
     for (char const c : text) {
@@ -22,7 +22,7 @@ void PrintTo(OBSERVATION const& observation, std::ostream* out) {
     for (recording::CALL const& report : observation.reports) {
         *out << "\n    " << report.operation;
         for (std::string const& argument : report.arguments)
-            *out << ' ' << quoted(argument);
+            *out << ' ' << in_quotes(argument);
     }
 }
 
@@ -42,7 +42,7 @@ std::vector<recording::CALL> reports_without_lines() {
 namespace observation_detail {
 
 std::string word(std::string const& text) {
-    return quoted(text);
+    return in_quotes(text);
 }
 
 std::string word(bool value) {

@@ -12,7 +12,7 @@
 #include <vector>
 
 /// A text in quotes, with every byte that is not printable ASCII as \xHH.
-std::string quoted(std::string const& text);
+std::string in_quotes(std::string const& text);
 
 /// Results and outputs joined into one text for OBSERVATION::result.
 template <typename... PARTS>

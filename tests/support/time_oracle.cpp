@@ -230,7 +230,7 @@ void TIME_ORACLE::rounding(std::string& s) {
         --end;
     if (end == 0) {
         end = starts_with_sign(s) ? 2 : 1;
-        s.insert(end - 1, "1");
+        s.insert(end - 1, 1, '1');
     } else {
         s[end - 1] = static_cast<char>(s[end - 1] + 1);
     }
@@ -385,7 +385,7 @@ void TIME_ORACLE::separate_time_num_and_unit(std::string const& text, std::strin
     std::size_t const i = t.find_first_not_of(NUMBER_CHARACTERS);
     if (i == std::string::npos) {
         number = t;
-        unit = "";
+        unit.clear();
         return;
     }
     std::string rest = t.substr(i);
@@ -422,7 +422,7 @@ bool TIME_ORACLE::format_time_string(std::string& text, int unit, bool post_mess
         auto const drop = static_cast<std::size_t>(k - d);
         if (drop >= t.size()) {
             truncated = any_digit_but_zero(t);
-            t = "0";
+            t.assign(1, '0');
             replaced = true;
         } else {
             truncated = any_digit_but_zero(t.substr(t.size() - drop));
@@ -431,12 +431,12 @@ bool TIME_ORACLE::format_time_string(std::string& text, int unit, bool post_mess
     }
     if (!replaced) {
         if (p < t.size())
-            t.insert(p, ".");
+            t.insert(p, 1, '.');
         while (t.size() < p)
             t += '0';
     }
     if (negative && t != "0")
-        t.insert(0, "-");
+        t.insert(0, 1, '-');
 
     if (post_messages && truncated)
         message(2, text + " " + UNITS[unit].name, t + " " + UNITS[unit].name);
@@ -581,7 +581,7 @@ bool TIME_ORACLE::will_value_be_truncated(char const* text, std::string& truncat
     if (truncated_text[truncated_text.size() - 1] == '.')
         truncated_text.erase(truncated_text.size() - 1);
     if (p != std::string::npos)
-        truncated_text.insert(p, "."); // past the end: std::out_of_range
+        truncated_text.replace(p, 0, 1, '.'); // past the end: std::out_of_range
     truncated_text += std::string(" ") + UNITS[unit].name;
     return true;
 }
@@ -600,12 +600,12 @@ void TIME_ORACLE::add_decimal(std::string& text, int unit) {
     } else {
         auto const places = static_cast<std::size_t>(d);
         if (text.size() > places)
-            text.insert(text.size() - places, ".");
+            text.insert(text.size() - places, 1, '.');
         else
             text = "0." + std::string(places - text.size(), '0') + text;
     }
     if (negative)
-        text.insert(0, "-");
+        text.insert(0, 1, '-');
 }
 
 std::string TIME_ORACLE::to_string_without_unit(HELD const& held, int unit,

@@ -61,7 +61,7 @@ std::string TIME_SAMPLES::boundary_number() {
         text += digits(4);
     unsigned int const places = one_of<unsigned int>({0, 2, 3, 6, 9, 12, below(20)});
     if (places > 0 && places <= text.size())
-        text.insert(text.size() - places, ".");
+        text.insert(text.size() - places, 1, '.');
     if (once_in(3))
         text += digits(4);
     return text;
@@ -79,10 +79,10 @@ std::string TIME_SAMPLES::number_text() {
         }
     }
     if (once_in(3))
-        text.insert(0, one_of<char const*>({"-", "-", "-", "+", "+", "+-", "--", "-."}));
+        text = one_of<char const*>({"-", "-", "-", "+", "+", "+-", "--", "-."}) + text;
     if (once_in(20)) {
         unsigned int const place = below(static_cast<unsigned int>(text.size()) + 1);
-        text.insert(place, one_of<char const*>({"-", "+", ".", " ", "e", ","}));
+        text.insert(place, 1, one_of<char>({'-', '+', '.', ' ', 'e', ','}));
     }
     return text;
 }

@@ -13,7 +13,7 @@ constexpr int cases(int count) {
 #ifdef NDEBUG
     return count;
 #else
-    return count / 20;
+    return count / 10;
 #endif
 }
 
