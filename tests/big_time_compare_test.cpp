@@ -5,7 +5,6 @@
 // BIG_TEST_SWITCHES names, with commas between. All that follows the first calls runs with every
 // switch turned around, which must not matter.
 
-#include "printing.h"
 #include "time_library.h"
 #include "time_samples.h"
 

@@ -1,6 +1,5 @@
 // Times read from text.
 
-#include "printing.h"
 #include "time_library.h"
 #include "time_samples.h"
 
@@ -780,8 +779,12 @@ TEST_F(BigTimeParse, APreviewMayReplaceItsOwnText) {
     for (PREVIEW_ROW const& row : PREVIEWS) {
         SCOPED_TRACE(words(std::string(row.why), std::string(row.text)));
         std::string text = row.text;
+        std::string const preview = row.preview == nullptr ? row.text : row.preview;
         EXPECT_EQ(BIG_TIME::will_value_be_truncated(text.c_str(), text), row.truncated);
-        EXPECT_EQ(text, row.preview == nullptr ? row.text : row.preview);
+        EXPECT_EQ(text, preview);
+        text = std::string("  ") + row.text;
+        EXPECT_EQ(BIG_TIME::will_value_be_truncated(text.c_str() + 2, text), row.truncated);
+        EXPECT_EQ(text, preview);
     }
 }
 

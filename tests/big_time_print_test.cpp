@@ -1,6 +1,5 @@
 // Times written as text.
 
-#include "printing.h"
 #include "time_library.h"
 #include "time_samples.h"
 

@@ -1,6 +1,5 @@
 // Laws that bind the reading and the printing of times together, and both to exact arithmetic.
 
-#include "printing.h"
 #include "time_library.h"
 #include "time_samples.h"
 
