@@ -1,5 +1,6 @@
 // Times written as text.
 
+#include "comma_locale.h"
 #include "time_library.h"
 #include "time_samples.h"
 
@@ -385,6 +386,18 @@ TEST_F(BigTimePrint, TheRawTextHasEveryDigit) {
         expect_of_both([&](auto& times) { return words(times.to_raw_string(held)); },
                        {words(std::string(row.text)), SILENCE});
     }
+}
+
+TEST_F(BigTimePrint, TheProcessLocaleDoesNotMatter) {
+    COMMA_LOCALE const locale;
+    if (!locale.available())
+        GTEST_SKIP() << "the build made no locale with a comma";
+    EXPECT_EQ(time_of(1234567, BIG_TIME::UNIT_NS).to_string(BIG_TIME::UNIT_US, 3, false),
+              "1.235 us");
+    EXPECT_EQ(time_of(1234567, BIG_TIME::UNIT_NS).to_raw_string(), "1234.567 ns");
+    EXPECT_EQ(held_by(BIG_TIME("1.5 us", false)), (HELD{1500000, BIG_TIME::UNIT_US}));
+    EXPECT_EQ(held_by(BIG_TIME(".05 us", false)), (HELD{500000, BIG_TIME::UNIT_US}));
+    EXPECT_FALSE(BIG_TIME().set_time("1,5 us", false));
 }
 
 // ------------------------------------------------------------------------------------------------

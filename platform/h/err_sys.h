@@ -25,6 +25,8 @@ enum MSG_ENUMERATED_POST_MSG : int {
 /// Reports a failed precondition or an impossible value. Never returns: a platform aborts or
 /// throws an exception that nothing in the library catches.
 ///
+/// No argument is null.
+///
 /// @param text        the failed condition as written in the source, or a short message
 /// @param tag         "2" for a check in a source file of the library, "BIG" for one in a public
 ///                    header
@@ -35,12 +37,22 @@ enum MSG_ENUMERATED_POST_MSG : int {
 
 /// Posts a numbered user message from the platform's catalogue and returns; the library goes on.
 ///
+/// The standalone platform prints one line on standard error, which names the number and the
+/// arguments in double quotes:
+///
+///     message 1: "3parsecs" cannot be read as a time, a frequency or a data rate
+///     message 2: "1.5 ps" has digits finer than its unit can hold; it is stored as "1 ps"
+///
+/// It prints a number that it has no wording for too.
+///
 /// @param id   the message
 /// @param arg1 first text argument, null when absent
 /// @param arg2 second text argument, null when absent
 void err_post_enumerated_msg(MSG_ENUMERATED_POST_MSG id, char const* arg1, char const* arg2);
 
-/// What the standalone err_report_internal_error() throws. what() gives all four parts in one line.
+/// What the standalone err_report_internal_error() throws. what() gives all four parts in one line:
+///
+///     internal error at big/big_ulong128:210 (tag 2): Division by Zero
 class ERR_INTERNAL_ERROR : public std::logic_error {
 public:
     ERR_INTERNAL_ERROR(char const* text, char const* tag, char const* source_path, int line);
@@ -66,6 +78,9 @@ private:
 
 /// Receives an internal error: text, tag, source path and line. It must not return (throw, exit
 /// or jump away); when it does, the process is aborted with the four parts on standard error.
+///
+/// It may be called from several threads at once, and may report an internal error itself. No lock
+/// is held meanwhile. The texts live until it ends.
 using ERR_INTERNAL_ERROR_HANDLER =
     std::function<void(char const* text, char const* tag, char const* source_path, int line)>;
 
@@ -74,6 +89,9 @@ using ERR_INTERNAL_ERROR_HANDLER =
 ERR_INTERNAL_ERROR_HANDLER err_set_internal_error_handler(ERR_INTERNAL_ERROR_HANDLER handler);
 
 /// Receives a numbered message: its number and its two arguments (null when absent).
+///
+/// It may be called from several threads at once. No lock is held meanwhile. The texts live until
+/// it returns. An exception that it throws reaches the caller of the library.
 using ERR_MESSAGE_SINK =
     std::function<void(MSG_ENUMERATED_POST_MSG id, char const* arg1, char const* arg2)>;
 

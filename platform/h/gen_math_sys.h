@@ -17,12 +17,18 @@ template <typename T>
 T multiply_of(T a, T b, bool& overflow);
 
 /// Divides both integers by their greatest common divisor, which is taken on the magnitudes and is
-/// not negative, so that each keeps its own sign. Two zeros stay as they are.
+/// not negative, so that each keeps its own sign. Two zeros stay as they are; beside one zero, the
+/// other integer becomes 1 or -1.
+///
+/// It never overflows: the magnitude of the least value is a divisor only of that value and 0,
+/// which become -1 and 0. So of long long -2^63 and -2^63 become -1 and -1, -2^63 and 0 become -1
+/// and 0, and -2^63 and -1 stay as they are.
 template <typename T>
 void gcd_simplify(T& a, T& b);
 
-/// The sum num_a / den_a + num_b / den_b in lowest terms with a positive denominator. It is exact
-/// whenever that form fits T, even where an intermediate product does not.
+/// The sum num_a / den_a + num_b / den_b in lowest terms with a positive denominator; a sum of 0 is
+/// 0 / 1. It is exact whenever that form fits T, even where an intermediate product does not. The
+/// operands may be in any terms and carry their sign in either integer.
 ///
 /// @param num, den receive the sum; untouched when it does not fit or a denominator is 0
 /// @param overflow set to true when the sum does not fit or a denominator is 0, otherwise left as

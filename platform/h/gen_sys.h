@@ -13,7 +13,7 @@
 /// after b. Neither may be null.
 int gen_strcmp(char const* a, char const* b);
 
-/// Compares as gen_strcmp() does, after folding ASCII letters to one case. Neither may be null.
+/// Compares as gen_strcmp() does, after folding ASCII letters to lower case. Neither may be null.
 int gen_stricmp(char const* a, char const* b);
 
 /// Writes an integer as text.
@@ -22,7 +22,7 @@ int gen_stricmp(char const* a, char const* b);
 /// @param out   receives the text as its whole content: a '-' for a negative value, then digits,
 ///              lower-case letters above 9
 /// @param radix 2 to 36; the library always passes 10. Another value is an internal error of the
-///              standalone platform.
+///              standalone platform, which leaves out as it was.
 void gen_itoa(int value, std::string& out, int radix);
 
 /// The text without the white space at both of its ends.

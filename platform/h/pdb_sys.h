@@ -42,9 +42,10 @@ public:
     using VIRTUAL_THUNK_FN = PDB_VIRTUAL_THUNK_INFO const* (*)(void* object);
     using THIS_PTR_FN = void* (*)(void* object);
 
-    /// Registers a class.
+    /// Registers a class. Records come and go in any order, in static initialisation too.
     ///
-    /// @param record      the record's own address
+    /// @param record      the record's own address; another is an internal error of the standalone
+    ///                    platform
     /// @param class_id    identifies the class in stored databases
     /// @param type        the class's run-time type
     /// @param size        bytes of an object
@@ -54,7 +55,8 @@ public:
     ///
     /// The nine functions are described where they are declared; the two flags are false for every
     /// class of this library, and a platform gives them their meaning. A class id that is
-    /// registered already is an internal error of the standalone platform.
+    /// registered already is an internal error of the standalone platform, which names the place of
+    /// the first registration and leaves that as it is. Neither text may be null.
     PDB_THUNK_INFO(PDB_THUNK_INFO const* record, unsigned int class_id, MALLOC_FN malloc_fn,
                    ALLOCATE_FN allocate_fn, ALLOCATE_ARRAY_FN allocate_array_fn,
                    CONSTRUCTOR_FN constructor_fn, DESTRUCTOR_FN destructor_fn,
@@ -106,10 +108,13 @@ protected:
     ~PDB_SEGMENT_TEMPLATE() = default;
 };
 
-/// Every registered record in the order of registration. Standalone platform only.
+/// Every registered record in the order of registration. A record lives until the library that
+/// holds it is unloaded. Safe to call from any thread, and from static initialisation. Standalone
+/// platform only.
 std::vector<PDB_THUNK_INFO const*> pdb_registered_classes();
 
-/// The registered record with a class id, null when there is none. Standalone platform only.
+/// The registered record with a class id, null when there is none. Safe to call as
+/// pdb_registered_classes() is. Standalone platform only.
 PDB_THUNK_INFO const* pdb_find_class(unsigned int class_id);
 
 #pragma GCC visibility pop
