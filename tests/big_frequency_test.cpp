@@ -46,18 +46,20 @@ TEST_F(BigFrequency, ComesFromAPeriodInPicoseconds) {
         char const* why;
         int period;
         double hertz;
+        // clang-format off
     } const rows[] = {
-        // why                            period        hertz
-        {"10^12 by the period", 1000, 1e9},
-        {"10^12 by the period", 1, 1e12},
-        {"10^12 by the period", 3, 1e12 / 3},
-        {"10^12 by the period", INT_MAX, 1e12 / 2147483647},
-        {"negatives too", -1000, -1e9},
-        {"negatives too", INT_MIN, 1e12 / -2147483648.0},
-        {"negatives too", -2147483646, 1e12 / -2147483646.0},
-        {"no period", -2147483647, 0.0}, // the marker of a delay that does not fit
-        {"zero", 0, INF},
+        // why                   period       hertz
+        {"10^12 by the period", 1000,        1e9},
+        {"10^12 by the period", 1,           1e12},
+        {"10^12 by the period", 3,           1e12 / 3},
+        {"10^12 by the period", INT_MAX,     1e12 / 2147483647},
+        {"negatives too",       -1000,       -1e9},
+        {"negatives too",       INT_MIN,     1e12 / -2147483648.0},
+        {"negatives too",       -2147483646, 1e12 / -2147483646.0},
+        {"no period",           -2147483647, 0.0}, // the marker of a delay that does not fit
+        {"zero",                0,           INF},
     };
+    // clang-format on
     for (auto const& row : rows) {
         SCOPED_TRACE(words(std::string(row.why), row.period));
         EXPECT_TRUE(is(BIG_FREQUENCY(row.period).get_value(), row.hertz));
@@ -73,28 +75,30 @@ TEST_F(BigFrequency, ComesFromATime) {
         long long count;
         int unit;
         double hertz;
+        // clang-format off
     } const rows[] = {
-        // why                                          count       unit  hertz
-        {"a time is a period", 4000, 3, 250000000.0},
-        {"a time is a period", 3, 0, 1e12 / 3},
-        {"a time is a period", -5, 2, -2e11},
-        {"a time of zero", 0, 3, INF},
-        {"a time that does not fit 32 bits", 3000000000, 5, 0.0},
-        {"a time that does not fit 32 bits", LOWEST, 2, 0.0},
-        {"a time that is the marker", -2147483647, 2, 0.0},
-        {"a frequency stays what it is", 2000000000, 10, 2000000000.0},
-        {"a frequency stays what it is", 3, 7, 3.0},
-        {"a frequency stays what it is", 1000000000000, 8, 1e12},
-        {"a frequency stays what it is", -3, 9, -3.0},
-        {"a period below 1 ps is none", 2000000000000, 10, 0.0},
-        {"a period below 1 ps is none", 1000000000001, 7, 0.0},
-        {"a period below 1 ps is none", -1000000000001, 7, 0.0},
-        {"a period below 1 ps is none", HIGHEST, 7, 0.0},
-        {"a frequency of zero", 0, 9, 0.0},
-        {"a rate is taken for a period", 1000, 12, 1e9},
-        {"a rate is taken for a period", 3000000000, 14, 0.0},
-        {"a rate is taken for a period", 0, 13, INF},
+        // why                                count           unit hertz
+        {"a time is a period",               4000,           3,   250000000.0},
+        {"a time is a period",               3,              0,   1e12 / 3},
+        {"a time is a period",               -5,             2,   -2e11},
+        {"a time of zero",                   0,              3,   INF},
+        {"a time that does not fit 32 bits", 3000000000,     5,   0.0},
+        {"a time that does not fit 32 bits", LOWEST,         2,   0.0},
+        {"a time that is the marker",        -2147483647,    2,   0.0},
+        {"a frequency stays what it is",     2000000000,     10,  2000000000.0},
+        {"a frequency stays what it is",     3,              7,   3.0},
+        {"a frequency stays what it is",     1000000000000,  8,   1e12},
+        {"a frequency stays what it is",     -3,             9,   -3.0},
+        {"a period below 1 ps is none",      2000000000000,  10,  0.0},
+        {"a period below 1 ps is none",      1000000000001,  7,   0.0},
+        {"a period below 1 ps is none",      -1000000000001, 7,   0.0},
+        {"a period below 1 ps is none",      HIGHEST,        7,   0.0},
+        {"a frequency of zero",              0,              9,   0.0},
+        {"a rate is taken for a period",     1000,           12,  1e9},
+        {"a rate is taken for a period",     3000000000,     14,  0.0},
+        {"a rate is taken for a period",     0,              13,  INF},
     };
+    // clang-format on
     for (auto const& row : rows) {
         SCOPED_TRACE(words(std::string(row.why), row.count, row.unit));
         BIG_TIME time = time_of(row.count, row.unit);
@@ -112,28 +116,30 @@ TEST_F(BigFrequency, GivesThePeriodInPicoseconds) {
         BIG_FREQUENCY frequency;
         int period;
         long long long_period;
+        // clang-format off
     } const rows[] = {
-        // why                          frequency                period   long period
-        {"10^12 by the frequency", BIG_FREQUENCY(1000), 1000, 1000},
-        {"10^12 by the frequency", BIG_FREQUENCY(3), 3, 3},
-        {"10^12 by the frequency", BIG_FREQUENCY(-7), -7, -7},
-        {"10^12 by the frequency", BIG_FREQUENCY(INT_MAX), INT_MAX, INT_MAX},
-        {"10^12 by the frequency", BIG_FREQUENCY(INT_MIN), INT_MIN, INT_MIN},
-        {"cut toward zero", frequency_of(3000000), 333333, 333333},
-        {"cut toward zero", frequency_of(-3000000), -333333, -333333},
-        {"cut toward zero", frequency_of(2000000000000), 0, 0},
-        {"an infinite frequency", BIG_FREQUENCY(0), 0, 0},
-        {"an infinite frequency", BIG_FREQUENCY(0) * -1, 0, 0},
+        // why                             frequency                    period      long period
+        {"10^12 by the frequency",        BIG_FREQUENCY(1000),         1000,       1000},
+        {"10^12 by the frequency",        BIG_FREQUENCY(3),            3,          3},
+        {"10^12 by the frequency",        BIG_FREQUENCY(-7),           -7,         -7},
+        {"10^12 by the frequency",        BIG_FREQUENCY(INT_MAX),      INT_MAX,    INT_MAX},
+        {"10^12 by the frequency",        BIG_FREQUENCY(INT_MIN),      INT_MIN,    INT_MIN},
+        {"cut toward zero",               frequency_of(3000000),       333333,     333333},
+        {"cut toward zero",               frequency_of(-3000000),      -333333,    -333333},
+        {"cut toward zero",               frequency_of(2000000000000), 0,          0},
+        {"an infinite frequency",         BIG_FREQUENCY(0),            0,          0},
+        {"an infinite frequency",         BIG_FREQUENCY(0) * -1,       0,          0},
         // what the conversion of a number too large gives on common hardware
-        {"too long for 32 bits", frequency_of(1), INT_MIN, 1000000000000},
-        {"too long for 32 bits", frequency_of(-1), INT_MIN, -1000000000000},
-        {"too long for 32 bits", frequency_of(465), INT_MIN, 2150537634},
-        {"just short enough for 32 bits", frequency_of(466), 2145922746, 2145922746},
-        {"too long for 64 bits", frequency_of(1, 10000000), INT_MIN, LOWEST},
-        {"too long for 64 bits", frequency_of(-1, 10000000), INT_MIN, LOWEST},
-        {"just short enough for 64 bits", frequency_of(1, 9000000), INT_MIN, 9000000000000000000},
-        {"not a number", BIG_FREQUENCY(0) * 0, INT_MIN, LOWEST},
+        {"too long for 32 bits",          frequency_of(1),             INT_MIN,    1000000000000},
+        {"too long for 32 bits",          frequency_of(-1),            INT_MIN,    -1000000000000},
+        {"too long for 32 bits",          frequency_of(465),           INT_MIN,    2150537634},
+        {"just short enough for 32 bits", frequency_of(466),           2145922746, 2145922746},
+        {"too long for 64 bits",          frequency_of(1, 10000000),   INT_MIN,    LOWEST},
+        {"too long for 64 bits",          frequency_of(-1, 10000000),  INT_MIN,    LOWEST},
+        {"just short enough for 64 bits", frequency_of(1, 9000000),    INT_MIN,    9000000000000000000},
+        {"not a number",                  BIG_FREQUENCY(0) * 0,        INT_MIN,    LOWEST},
     };
+    // clang-format on
     for (auto const& row : rows) {
         SCOPED_TRACE(words(std::string(row.why)) + " of "
                      + testing::PrintToString(row.frequency.get_value()));

@@ -62,42 +62,44 @@ struct SCALE_ROW {
     long long count;
 };
 
+// clang-format off
 SCALE_ROW const SCALES[] = {
-    // why                                     value      unit                      count
-    {"times are kept in picoseconds", 5, BIG_TIME::UNIT_PS, 5},
-    {"times are kept in picoseconds", 5, BIG_TIME::UNIT_NS, 5000},
-    {"times are kept in picoseconds", 5, BIG_TIME::UNIT_TEN_TH_NS, 500},
-    {"times are kept in picoseconds", 5, BIG_TIME::UNIT_US, 5000000},
-    {"times are kept in picoseconds", 5, BIG_TIME::UNIT_MS, 5000000000},
-    {"times are kept in picoseconds", 5, BIG_TIME::UNIT_S, 5000000000000},
-    {"times are kept in picoseconds", -5, BIG_TIME::UNIT_NS, -5000},
-    {"times are kept in picoseconds", 0, BIG_TIME::UNIT_S, 0},
-    {"femtoseconds are cut toward zero", 1999, BIG_TIME::UNIT_FS, 1},
-    {"femtoseconds are cut toward zero", -1999, BIG_TIME::UNIT_FS, -1},
-    {"femtoseconds are cut toward zero", 999, BIG_TIME::UNIT_FS, 0},
-    {"femtoseconds are cut toward zero", -999, BIG_TIME::UNIT_FS, 0},
-    {"femtoseconds are cut toward zero", 1000, BIG_TIME::UNIT_FS, 1},
-    {"femtoseconds are cut toward zero", 0, BIG_TIME::UNIT_FS, 0},
-    {"femtoseconds are cut toward zero", HIGHEST, BIG_TIME::UNIT_FS, 9223372036854775},
-    {"femtoseconds are cut toward zero", LOWEST, BIG_TIME::UNIT_FS, -9223372036854775},
-    {"without a unit a number is a plain count", 7, BIG_TIME::UNIT_NONE, 7},
-    {"without a unit a number is a plain count", 0, BIG_TIME::UNIT_NONE, 0},
-    {"without a unit a number is a plain count", HIGHEST, BIG_TIME::UNIT_NONE, HIGHEST},
-    {"without a unit a number is a plain count", LOWEST, BIG_TIME::UNIT_NONE, LOWEST},
-    {"frequencies are kept in hertz", 3, BIG_TIME::UNIT_HZ, 3},
-    {"frequencies are kept in hertz", 3, BIG_TIME::UNIT_KHZ, 3000},
-    {"frequencies are kept in hertz", 3, BIG_TIME::UNIT_MHZ, 3000000},
-    {"frequencies are kept in hertz", 3, BIG_TIME::UNIT_GHZ, 3000000000},
-    {"rates are kept in bits per second", 3, BIG_TIME::UNIT_BPS, 3},
-    {"rates are kept in bits per second", 3, BIG_TIME::UNIT_MBPS, 3000000},
-    {"rates are kept in bits per second", 3, BIG_TIME::UNIT_GBPS, 3000000000},
-    {"the ends of the range", HIGHEST, BIG_TIME::UNIT_PS, HIGHEST},
-    {"the ends of the range", LOWEST, BIG_TIME::UNIT_PS, LOWEST},
-    {"the ends of the range", HIGHEST, BIG_TIME::UNIT_HZ, HIGHEST},
-    {"the ends of the range", HIGHEST, BIG_TIME::UNIT_BPS, HIGHEST},
-    {"the ends of the range", 9223372, BIG_TIME::UNIT_S, 9223372000000000000},
-    {"the ends of the range", -9223372, BIG_TIME::UNIT_S, -9223372000000000000},
+    // why                                        value     unit                      count
+    {"times are kept in picoseconds",            5,        BIG_TIME::UNIT_PS,        5},
+    {"times are kept in picoseconds",            5,        BIG_TIME::UNIT_NS,        5000},
+    {"times are kept in picoseconds",            5,        BIG_TIME::UNIT_TEN_TH_NS, 500},
+    {"times are kept in picoseconds",            5,        BIG_TIME::UNIT_US,        5000000},
+    {"times are kept in picoseconds",            5,        BIG_TIME::UNIT_MS,        5000000000},
+    {"times are kept in picoseconds",            5,        BIG_TIME::UNIT_S,         5000000000000},
+    {"times are kept in picoseconds",            -5,       BIG_TIME::UNIT_NS,        -5000},
+    {"times are kept in picoseconds",            0,        BIG_TIME::UNIT_S,         0},
+    {"femtoseconds are cut toward zero",         1999,     BIG_TIME::UNIT_FS,        1},
+    {"femtoseconds are cut toward zero",         -1999,    BIG_TIME::UNIT_FS,        -1},
+    {"femtoseconds are cut toward zero",         999,      BIG_TIME::UNIT_FS,        0},
+    {"femtoseconds are cut toward zero",         -999,     BIG_TIME::UNIT_FS,        0},
+    {"femtoseconds are cut toward zero",         1000,     BIG_TIME::UNIT_FS,        1},
+    {"femtoseconds are cut toward zero",         0,        BIG_TIME::UNIT_FS,        0},
+    {"femtoseconds are cut toward zero",         HIGHEST,  BIG_TIME::UNIT_FS,        9223372036854775},
+    {"femtoseconds are cut toward zero",         LOWEST,   BIG_TIME::UNIT_FS,        -9223372036854775},
+    {"without a unit a number is a plain count", 7,        BIG_TIME::UNIT_NONE,      7},
+    {"without a unit a number is a plain count", 0,        BIG_TIME::UNIT_NONE,      0},
+    {"without a unit a number is a plain count", HIGHEST,  BIG_TIME::UNIT_NONE,      HIGHEST},
+    {"without a unit a number is a plain count", LOWEST,   BIG_TIME::UNIT_NONE,      LOWEST},
+    {"frequencies are kept in hertz",            3,        BIG_TIME::UNIT_HZ,        3},
+    {"frequencies are kept in hertz",            3,        BIG_TIME::UNIT_KHZ,       3000},
+    {"frequencies are kept in hertz",            3,        BIG_TIME::UNIT_MHZ,       3000000},
+    {"frequencies are kept in hertz",            3,        BIG_TIME::UNIT_GHZ,       3000000000},
+    {"rates are kept in bits per second",        3,        BIG_TIME::UNIT_BPS,       3},
+    {"rates are kept in bits per second",        3,        BIG_TIME::UNIT_MBPS,      3000000},
+    {"rates are kept in bits per second",        3,        BIG_TIME::UNIT_GBPS,      3000000000},
+    {"the ends of the range",                    HIGHEST,  BIG_TIME::UNIT_PS,        HIGHEST},
+    {"the ends of the range",                    LOWEST,   BIG_TIME::UNIT_PS,        LOWEST},
+    {"the ends of the range",                    HIGHEST,  BIG_TIME::UNIT_HZ,        HIGHEST},
+    {"the ends of the range",                    HIGHEST,  BIG_TIME::UNIT_BPS,       HIGHEST},
+    {"the ends of the range",                    9223372,  BIG_TIME::UNIT_S,         9223372000000000000},
+    {"the ends of the range",                    -9223372, BIG_TIME::UNIT_S,         -9223372000000000000},
 };
+// clang-format on
 
 TEST_F(BigTimeArithmetic, NumbersAreScaledIntoTheStoredUnit) {
     for (SCALE_ROW const& row : SCALES) {
@@ -118,12 +120,18 @@ TEST_F(BigTimeArithmetic, NumbersAreScaledByTheUnitThatATextNames) {
         char const* text;
         long long count;
         int unit;
+        // clang-format off
     } const rows[] = {
-        // text        count of 5   unit
-        {"", 5, 0},        {" \t\n", 5, 0},        {"ns", 5000, 3},
-        {" NS ", 5000, 3}, {"ten_TH_ns", 500, 11}, {"gbps", 5000000000, 14},
-        {"fs", 0, 1},
+        // text        count of 5  unit
+        {"",          5,          0},
+        {" \t\n",     5,          0},
+        {"ns",        5000,       3},
+        {" NS ",      5000,       3},
+        {"ten_TH_ns", 500,        11},
+        {"gbps",      5000000000, 14},
+        {"fs",        0,          1},
     };
+    // clang-format on
     for (auto const& row : rows) {
         SCOPED_TRACE(row.text);
         BIG_TIME const constructed(5ll, std::string(row.text));
@@ -193,14 +201,21 @@ TEST_F(BigTimeArithmetic, CountsBeyondSixtyFourBitsAreAnOverflow) {
     struct {
         long long largest; // value that fits
         BIG_TIME::TIME_UNIT unit;
+        // clang-format off
     } const rows[] = {
-        // largest value        unit
-        {9223372036854775, BIG_TIME::UNIT_NS}, {92233720368547758, BIG_TIME::UNIT_TEN_TH_NS},
-        {9223372036854, BIG_TIME::UNIT_US},    {9223372036, BIG_TIME::UNIT_MS},
-        {9223372, BIG_TIME::UNIT_S},           {9223372036854775, BIG_TIME::UNIT_KHZ},
-        {9223372036854, BIG_TIME::UNIT_MHZ},   {9223372036, BIG_TIME::UNIT_GHZ},
-        {9223372036854, BIG_TIME::UNIT_MBPS},  {9223372036, BIG_TIME::UNIT_GBPS},
+        // largest value     unit
+        {9223372036854775,  BIG_TIME::UNIT_NS},
+        {92233720368547758, BIG_TIME::UNIT_TEN_TH_NS},
+        {9223372036854,     BIG_TIME::UNIT_US},
+        {9223372036,        BIG_TIME::UNIT_MS},
+        {9223372,           BIG_TIME::UNIT_S},
+        {9223372036854775,  BIG_TIME::UNIT_KHZ},
+        {9223372036854,     BIG_TIME::UNIT_MHZ},
+        {9223372036,        BIG_TIME::UNIT_GHZ},
+        {9223372036854,     BIG_TIME::UNIT_MBPS},
+        {9223372036,        BIG_TIME::UNIT_GBPS},
     };
+    // clang-format on
     for (auto const& row : rows) {
         SCOPED_TRACE(words(row.largest, static_cast<int>(row.unit)));
         long long const power = BIG_TIME::s_power_10_table[BIG_TIME::s_fraction_digits[row.unit]];
@@ -271,27 +286,29 @@ struct PERIOD_ROW {
     long long storage_number;
 };
 
+// clang-format off
 PERIOD_ROW const PERIODS[] = {
-    // why                                        count              unit  storage number
-    {"a time is its own storage number", 5000, 3, 5000},
-    {"a time is its own storage number", -5, 6, -5},
-    {"a time is its own storage number", LOWEST, 2, LOWEST},
-    {"a plain count is its own storage number", HIGHEST, 0, HIGHEST},
-    {"a rate is its own storage number", 3000000, 13, 3000000},
-    {"a rate is its own storage number", 0, 12, 0},
-    {"a tenth of a nanosecond is a time", 100, 11, 100},
-    {"a frequency is its period", 3000000, 9, 333333},
-    {"a frequency is its period", 1, 7, 1000000000000},
-    {"a frequency is its period", 1000000000000, 10, 1},
-    {"a frequency is its period", 999999999999, 8, 1},
-    {"a frequency above 10^12 Hz has no period", 1000000000001, 10, 0},
-    {"a frequency above 10^12 Hz has no period", HIGHEST, 7, 0},
-    {"a zero frequency stays zero", 0, 7, 0},
-    {"a zero frequency stays zero", 0, 10, 0},
-    {"a negative frequency has a negative period", -3, 7, -333333333333},
-    {"a negative frequency has a negative period", -1, 9, -1000000000000},
-    {"a negative frequency has a negative period", LOWEST, 8, 0},
+    // why                                          count          unit storage number
+    {"a time is its own storage number",           5000,          3,   5000},
+    {"a time is its own storage number",           -5,            6,   -5},
+    {"a time is its own storage number",           LOWEST,        2,   LOWEST},
+    {"a plain count is its own storage number",    HIGHEST,       0,   HIGHEST},
+    {"a rate is its own storage number",           3000000,       13,  3000000},
+    {"a rate is its own storage number",           0,             12,  0},
+    {"a tenth of a nanosecond is a time",          100,           11,  100},
+    {"a frequency is its period",                  3000000,       9,   333333},
+    {"a frequency is its period",                  1,             7,   1000000000000},
+    {"a frequency is its period",                  1000000000000, 10,  1},
+    {"a frequency is its period",                  999999999999,  8,   1},
+    {"a frequency above 10^12 Hz has no period",   1000000000001, 10,  0},
+    {"a frequency above 10^12 Hz has no period",   HIGHEST,       7,   0},
+    {"a zero frequency stays zero",                0,             7,   0},
+    {"a zero frequency stays zero",                0,             10,  0},
+    {"a negative frequency has a negative period", -3,            7,   -333333333333},
+    {"a negative frequency has a negative period", -1,            9,   -1000000000000},
+    {"a negative frequency has a negative period", LOWEST,        8,   0},
 };
+// clang-format on
 
 TEST_F(BigTimeArithmetic, TheStorageNumberOfAFrequencyIsItsPeriod) {
     for (PERIOD_ROW const& row : PERIODS) {
@@ -311,24 +328,26 @@ struct STORE_ROW {
     long long count;
 };
 
+// clang-format off
 STORE_ROW const STORES[] = {
-    // why                                      unit  number          count
-    {"a frequency takes a period", 9, 333333, 3000003},
-    {"a frequency takes a period", 7, 1, 1000000000000},
-    {"a frequency takes a period", 10, 1000000000000, 1},
-    {"a frequency takes a period", 8, -3, -333333333333},
-    {"a period above a second leaves no hertz", 7, 1000000000001, 0},
-    {"a period above a second leaves no hertz", 7, HIGHEST, 0},
-    {"a period above a second leaves no hertz", 10, LOWEST, 0},
-    {"everything else takes the count", 3, 0, 0},
-    {"everything else takes the count", 3, -7, -7},
-    {"everything else takes the count", 0, LOWEST, LOWEST},
-    {"everything else takes the count", 11, 12, 12},
-    {"everything else takes the count", 1, 12, 12},
-    {"everything else takes the count", 13, 333333, 333333},
-    {"everything else takes the count", 12, 0, 0},
-    {"everything else takes the count", 14, -1, -1},
+    // why                                       unit number         count
+    {"a frequency takes a period",              9,   333333,        3000003},
+    {"a frequency takes a period",              7,   1,             1000000000000},
+    {"a frequency takes a period",              10,  1000000000000, 1},
+    {"a frequency takes a period",              8,   -3,            -333333333333},
+    {"a period above a second leaves no hertz", 7,   1000000000001, 0},
+    {"a period above a second leaves no hertz", 7,   HIGHEST,       0},
+    {"a period above a second leaves no hertz", 10,  LOWEST,        0},
+    {"everything else takes the count",         3,   0,             0},
+    {"everything else takes the count",         3,   -7,            -7},
+    {"everything else takes the count",         0,   LOWEST,        LOWEST},
+    {"everything else takes the count",         11,  12,            12},
+    {"everything else takes the count",         1,   12,            12},
+    {"everything else takes the count",         13,  333333,        333333},
+    {"everything else takes the count",         12,  0,             0},
+    {"everything else takes the count",         14,  -1,            -1},
 };
+// clang-format on
 
 TEST_F(BigTimeArithmetic, AFrequencyTakesAStorageNumberAsItsPeriod) {
     for (STORE_ROW const& row : STORES) {
@@ -356,25 +375,27 @@ struct WIDTH_ROW {
     long long highest; // that fits
 };
 
+// clang-format off
 WIDTH_ROW const WIDTHS[] = {
-    // why                                      bytes        lowest                highest
-    {"a signed integer of that width", 1, -128, 127},
-    {"a signed integer of that width", 2, -32768, 32767},
-    {"a signed integer of that width", 3, -8388608, 8388607},
-    {"a signed integer of that width", 4, -2147483648ll, 2147483647},
-    {"a signed integer of that width", 5, -549755813888, 549755813887},
-    {"a signed integer of that width", 6, -140737488355328, 140737488355327},
+    // why                                    bytes        lowest              highest
+    {"a signed integer of that width",       1,           -128,               127},
+    {"a signed integer of that width",       2,           -32768,             32767},
+    {"a signed integer of that width",       3,           -8388608,           8388607},
+    {"a signed integer of that width",       4,           -2147483648ll,      2147483647},
+    {"a signed integer of that width",       5,           -549755813888,      549755813887},
+    {"a signed integer of that width",       6,           -140737488355328,   140737488355327},
     // 2^55 - 1 as a double is 2^55: the limit is computed in double
-    {"seven bytes hold one number too many", 7, -36028797018963968, 36028797018963968},
-    {"eight bytes and more hold everything", 8, LOWEST, HIGHEST},
-    {"eight bytes and more hold everything", 9, LOWEST, HIGHEST},
-    {"eight bytes and more hold everything", 100, LOWEST, HIGHEST},
-    {"eight bytes and more hold everything", UINT_MAX, LOWEST, HIGHEST},
-    {"no byte holds zero alone", 0, 0, 0},
+    {"seven bytes hold one number too many", 7,           -36028797018963968, 36028797018963968},
+    {"eight bytes and more hold everything", 8,           LOWEST,             HIGHEST},
+    {"eight bytes and more hold everything", 9,           LOWEST,             HIGHEST},
+    {"eight bytes and more hold everything", 100,         LOWEST,             HIGHEST},
+    {"eight bytes and more hold everything", UINT_MAX,    LOWEST,             HIGHEST},
+    {"no byte holds zero alone",             0,           0,                  0},
     // the number of bits is a 32-bit product
-    {"2^29 bytes and one are one byte", 0x20000001u, -128, 127},
-    {"2^29 bytes are none", 0x20000000u, 0, 0},
+    {"2^29 bytes and one are one byte",      0x20000001u, -128,               127},
+    {"2^29 bytes are none",                  0x20000000u, 0,                  0},
 };
+// clang-format on
 
 TEST_F(BigTimeArithmetic, SafeToConvertTellsWhetherTheStorageNumberFits) {
     for (WIDTH_ROW const& row : WIDTHS) {
@@ -410,23 +431,25 @@ struct DELAY_ROW {
     int delay;
 };
 
+// clang-format off
 DELAY_ROW const DELAYS[] = {
-    // why                               count               unit  delay
-    {"picoseconds that fit", 2000000000, 5, 2000000000},
-    {"picoseconds that fit", 0, 2, 0},
-    {"picoseconds that fit", 2147483647, 2, 2147483647},
-    {"picoseconds that fit", -2147483648ll, 2, INT_MIN},
-    {"picoseconds that fit", -2147483647, 2, -2147483647}, // not told from the marker
-    {"picoseconds that do not", 3000000000, 5, -2147483647},
-    {"picoseconds that do not", 2147483648, 2, -2147483647},
-    {"picoseconds that do not", -2147483649ll, 2, -2147483647},
-    {"picoseconds that do not", LOWEST, 0, -2147483647},
-    {"the period of a frequency", 3000000, 9, 333333},
-    {"the period of a frequency", 1, 7, -2147483647},
-    {"the period of a frequency", 0, 7, 0},
-    {"the period of a frequency", HIGHEST, 10, 0},
-    {"a rate as it is", 3000, 12, 3000},
+    // why                         count          unit delay
+    {"picoseconds that fit",      2000000000,    5,   2000000000},
+    {"picoseconds that fit",      0,             2,   0},
+    {"picoseconds that fit",      2147483647,    2,   2147483647},
+    {"picoseconds that fit",      -2147483648ll, 2,   INT_MIN},
+    {"picoseconds that fit",      -2147483647,   2,   -2147483647}, // not told from the marker
+    {"picoseconds that do not",   3000000000,    5,   -2147483647},
+    {"picoseconds that do not",   2147483648,    2,   -2147483647},
+    {"picoseconds that do not",   -2147483649ll, 2,   -2147483647},
+    {"picoseconds that do not",   LOWEST,        0,   -2147483647},
+    {"the period of a frequency", 3000000,       9,   333333},
+    {"the period of a frequency", 1,             7,   -2147483647},
+    {"the period of a frequency", 0,             7,   0},
+    {"the period of a frequency", HIGHEST,       10,  0},
+    {"a rate as it is",           3000,          12,  3000},
 };
+// clang-format on
 
 TEST_F(BigTimeArithmetic, DelaysThatDoNotFitBecomeTheMarker) {
     for (DELAY_ROW const& row : DELAYS) {
@@ -478,21 +501,23 @@ struct SUM_ROW {
     HELD difference;
 };
 
+// clang-format off
 SUM_ROW const SUMS[] = {
-    // why                            a              b               sum               difference
-    {"the smaller unit", {2000, 3}, {3, 2}, {2003, 2}, {1997, 2}},
-    {"the smaller unit", {3, 2}, {2000, 3}, {2003, 2}, {-1997, 2}},
-    {"the smaller unit", {1, 6}, {1, 11}, {2, 6}, {0, 6}},
-    {"no unit is the smallest", {5, 0}, {2000, 3}, {2005, 0}, {-1995, 0}},
-    {"categories do not matter", {2000, 3}, {3000000000, 10}, {3000002000, 3}, {-2999998000, 3}},
-    {"categories do not matter", {5, 12}, {7, 9}, {12, 9}, {-2, 9}},
-    {"zero frequencies come about", {3000000, 9}, {3000000, 9}, {6000000, 9}, {0, 9}},
-    {"sums wrap", {HIGHEST, 2}, {1, 2}, {LOWEST, 2}, {HIGHEST - 1, 2}},
-    {"sums wrap", {HIGHEST, 3}, {HIGHEST, 4}, {-2, 3}, {0, 3}},
-    {"differences wrap", {LOWEST, 2}, {1, 2}, {LOWEST + 1, 2}, {HIGHEST, 2}},
-    {"differences wrap", {0, 2}, {LOWEST, 2}, {LOWEST, 2}, {LOWEST, 2}},
-    {"differences wrap", {LOWEST, 5}, {LOWEST, 5}, {0, 5}, {0, 5}},
+    // why                           a             b                 sum              difference
+    {"the smaller unit",            {2000, 3},    {3, 2},           {2003, 2},       {1997, 2}},
+    {"the smaller unit",            {3, 2},       {2000, 3},        {2003, 2},       {-1997, 2}},
+    {"the smaller unit",            {1, 6},       {1, 11},          {2, 6},          {0, 6}},
+    {"no unit is the smallest",     {5, 0},       {2000, 3},        {2005, 0},       {-1995, 0}},
+    {"categories do not matter",    {2000, 3},    {3000000000, 10}, {3000002000, 3}, {-2999998000, 3}},
+    {"categories do not matter",    {5, 12},      {7, 9},           {12, 9},         {-2, 9}},
+    {"zero frequencies come about", {3000000, 9}, {3000000, 9},     {6000000, 9},    {0, 9}},
+    {"sums wrap",                   {HIGHEST, 2}, {1, 2},           {LOWEST, 2},     {HIGHEST - 1, 2}},
+    {"sums wrap",                   {HIGHEST, 3}, {HIGHEST, 4},     {-2, 3},         {0, 3}},
+    {"differences wrap",            {LOWEST, 2},  {1, 2},           {LOWEST + 1, 2}, {HIGHEST, 2}},
+    {"differences wrap",            {0, 2},       {LOWEST, 2},      {LOWEST, 2},     {LOWEST, 2}},
+    {"differences wrap",            {LOWEST, 5},  {LOWEST, 5},      {0, 5},          {0, 5}},
 };
+// clang-format on
 
 TEST_F(BigTimeArithmetic, SumsAndDifferencesTakeTheSmallerUnit) {
     for (SUM_ROW const& row : SUMS) {
@@ -553,23 +578,25 @@ struct QUOTIENT_ROW {
     long long remainder;
 };
 
+// clang-format off
 QUOTIENT_ROW const QUOTIENTS[] = {
-    // why                                  dividend  divisor  quotient  remainder
-    {"cut toward zero", 7, 2, 3, 1},
-    {"cut toward zero", -7, 2, -3, -1},
-    {"cut toward zero", 7, -2, -3, 1},
-    {"cut toward zero", -7, -2, 3, -1},
-    {"cut toward zero", 5000, 3, 1666, 2},
-    {"zero", 0, 5, 0, 0},
-    {"zero", 0, LOWEST, 0, 0},
-    {"the ends of the range", LOWEST, 1, LOWEST, 0},
-    {"the ends of the range", LOWEST, LOWEST, 1, 0},
-    {"the ends of the range", LOWEST, 2, -4611686018427387904, 0},
-    {"the ends of the range", LOWEST, 10, -922337203685477580, -8},
-    {"the ends of the range", HIGHEST, -1, -HIGHEST, 0},
-    {"the ends of the range", HIGHEST, LOWEST, 0, HIGHEST},
-    {"the ends of the range", LOWEST, HIGHEST, -1, -1},
+    // why                     dividend divisor  quotient              remainder
+    {"cut toward zero",       7,       2,       3,                    1},
+    {"cut toward zero",       -7,      2,       -3,                   -1},
+    {"cut toward zero",       7,       -2,      -3,                   1},
+    {"cut toward zero",       -7,      -2,      3,                    -1},
+    {"cut toward zero",       5000,    3,       1666,                 2},
+    {"zero",                  0,       5,       0,                    0},
+    {"zero",                  0,       LOWEST,  0,                    0},
+    {"the ends of the range", LOWEST,  1,       LOWEST,               0},
+    {"the ends of the range", LOWEST,  LOWEST,  1,                    0},
+    {"the ends of the range", LOWEST,  2,       -4611686018427387904, 0},
+    {"the ends of the range", LOWEST,  10,      -922337203685477580,  -8},
+    {"the ends of the range", HIGHEST, -1,      -HIGHEST,             0},
+    {"the ends of the range", HIGHEST, LOWEST,  0,                    HIGHEST},
+    {"the ends of the range", LOWEST,  HIGHEST, -1,                   -1},
 };
+// clang-format on
 
 TEST_F(BigTimeArithmetic, QuotientsAreCutTowardZeroAndRemaindersFollowTheDividend) {
     for (QUOTIENT_ROW const& row : QUOTIENTS) {
@@ -618,17 +645,19 @@ TEST_F(BigTimeArithmetic, ProductsKeepTheUnitAndWrap) {
         long long count;
         long long factor;
         long long product;
+        // clang-format off
     } const rows[] = {
-        // count   factor   product
-        {5000, 3, 15000},
-        {5000, 0, 0},
-        {5000, -1, -5000},
-        {HIGHEST, 2, -2},
-        {LOWEST, -1, LOWEST},
-        {LOWEST, LOWEST, 0},
+        // count      factor      product
+        {5000,       3,          15000},
+        {5000,       0,          0},
+        {5000,       -1,         -5000},
+        {HIGHEST,    2,          -2},
+        {LOWEST,     -1,         LOWEST},
+        {LOWEST,     LOWEST,     0},
         {4294967296, 4294967296, 0},
-        {HIGHEST, HIGHEST, 1},
+        {HIGHEST,    HIGHEST,    1},
     };
+    // clang-format on
     for (auto const& row : rows) {
         SCOPED_TRACE(words(row.count, row.factor));
         for (int unit = 0; unit < 15; ++unit) {

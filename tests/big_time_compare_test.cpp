@@ -105,27 +105,29 @@ struct EQUAL_ROW {
     bool equal_in_strict_mode;
 };
 
+// clang-format off
 EQUAL_ROW const EQUALS[] = {
-    // why                                   a              b               equal  strictly
-    {"one count in two time units", {2000, 3}, {2000, 2}, true, true},
-    {"one count in two time units", {100, 11}, {100, 6}, true, true},
-    {"no unit is a time", {2000, 0}, {2000, 3}, true, true},
-    {"other counts", {2000, 3}, {2001, 3}, false, false},
-    {"other counts", {5, 9}, {6, 13}, false, false},
-    {"other counts", {HIGHEST, 2}, {LOWEST, 2}, false, false},
-    {"one count in two frequencies", {5000000, 9}, {5000000, 7}, true, true},
-    {"one count in two rates", {5000000, 13}, {5000000, 12}, true, true},
-    {"a frequency and a rate", {5000000, 9}, {5000000, 13}, true, false},
+    // why                            a              b              equal  strictly
+    {"one count in two time units",  {2000, 3},     {2000, 2},     true,  true},
+    {"one count in two time units",  {100, 11},     {100, 6},      true,  true},
+    {"no unit is a time",            {2000, 0},     {2000, 3},     true,  true},
+    {"other counts",                 {2000, 3},     {2001, 3},     false, false},
+    {"other counts",                 {5, 9},        {6, 13},       false, false},
+    {"other counts",                 {HIGHEST, 2},  {LOWEST, 2},   false, false},
+    {"one count in two frequencies", {5000000, 9},  {5000000, 7},  true,  true},
+    {"one count in two rates",       {5000000, 13}, {5000000, 12}, true,  true},
+    {"a frequency and a rate",       {5000000, 9},  {5000000, 13}, true,  false},
     // with the strict switch the order decides
-    {"a rate and a frequency", {5000000, 13}, {5000000, 9}, true, true},
-    {"a time and a frequency", {1000000, 2}, {1000000, 9}, false, false},
-    {"a frequency and a time", {1000000, 9}, {1000000, 2}, false, false},
-    {"a time and a rate", {1000000, 4}, {1000000, 13}, false, false},
-    {"a rate and a time", {1000000, 13}, {1000000, 0}, false, false},
-    {"zeros of two categories", {0, 3}, {0, 9}, false, false},
-    {"zeros of two categories", {0, 10}, {0, 12}, true, false},
-    {"zeros of two categories", {0, 12}, {0, 10}, true, true},
+    {"a rate and a frequency",       {5000000, 13}, {5000000, 9},  true,  true},
+    {"a time and a frequency",       {1000000, 2},  {1000000, 9},  false, false},
+    {"a frequency and a time",       {1000000, 9},  {1000000, 2},  false, false},
+    {"a time and a rate",            {1000000, 4},  {1000000, 13}, false, false},
+    {"a rate and a time",            {1000000, 13}, {1000000, 0},  false, false},
+    {"zeros of two categories",      {0, 3},        {0, 9},        false, false},
+    {"zeros of two categories",      {0, 10},       {0, 12},       true,  false},
+    {"zeros of two categories",      {0, 12},       {0, 10},       true,  true},
 };
+// clang-format on
 
 TEST_F(BigTimeCompare, TimesAreEqualByCountAndCategory) {
     for (EQUAL_ROW const& row : EQUALS) {
@@ -204,27 +206,29 @@ struct LESS_ROW {
     char const* b_text;
 };
 
+// clang-format off
 LESS_ROW const LESSES[] = {
-    // why                               a             b                 a and b in the message
-    {"one category", {1000, 3}, {2000, 2}, "1.0 ns", "2.0 ns"},
-    {"one category", {2000, 3}, {2000, 2}, "2.0 ns", "2.0 ns"},
-    {"one category", {LOWEST, 0}, {HIGHEST, 6}, "", ""},
-    {"one category", {-1, 7}, {1, 10}, "", ""},
-    {"one category", {5, 12}, {4, 14}, "", ""},
-    {"a zero", {0, 2}, {5000000, 9}, "", ""},
-    {"a zero", {5000000, 9}, {0, 2}, "", ""},
-    {"a zero", {0, 9}, {0, 13}, "", ""},
-    {"a zero", {0, 13}, {-1, 3}, "", ""},
-    {"a time and a frequency", {3000, 3}, {5000000, 9}, "3.0 ns", "5.0 MHz"},
-    {"a time and a frequency", {5, 0}, {4, 7}, "5 ps", "4 Hz"},
-    {"a frequency and a time", {5000000, 9}, {3000, 3}, "5.0 MHz", "3.0 ns"},
-    {"a frequency and a time", {5000000, 9}, {-3456, 11}, "5.0 MHz", "-3.46 ns"},
-    {"a time and a rate", {1, 1}, {1234567, 13}, "1 ps", "1.23 Mbps"},
-    {"a rate and a time", {1234567, 14}, {1999999, 2}, "0.0 Gbps", "2.0 us"},
-    {"a frequency and a rate", {5000000, 9}, {5000000000, 14}, "5.0 MHz", "5.0 Gbps"},
-    {"a rate and a frequency", {5000000000, 14}, {5000000, 9}, "5.0 Gbps", "5.0 MHz"},
-    {"equal counts", {1000000, 2}, {1000000, 9}, "1.0 us", "1.0 MHz"},
+    // why                     a                 b                 a printed    b printed
+    {"one category",           {1000, 3},        {2000, 2},        "1.0 ns",   "2.0 ns"},
+    {"one category",           {2000, 3},        {2000, 2},        "2.0 ns",   "2.0 ns"},
+    {"one category",           {LOWEST, 0},      {HIGHEST, 6},     "",         ""},
+    {"one category",           {-1, 7},          {1, 10},          "",         ""},
+    {"one category",           {5, 12},          {4, 14},          "",         ""},
+    {"a zero",                 {0, 2},           {5000000, 9},     "",         ""},
+    {"a zero",                 {5000000, 9},     {0, 2},           "",         ""},
+    {"a zero",                 {0, 9},           {0, 13},          "",         ""},
+    {"a zero",                 {0, 13},          {-1, 3},          "",         ""},
+    {"a time and a frequency", {3000, 3},        {5000000, 9},     "3.0 ns",   "5.0 MHz"},
+    {"a time and a frequency", {5, 0},           {4, 7},           "5 ps",     "4 Hz"},
+    {"a frequency and a time", {5000000, 9},     {3000, 3},        "5.0 MHz",  "3.0 ns"},
+    {"a frequency and a time", {5000000, 9},     {-3456, 11},      "5.0 MHz",  "-3.46 ns"},
+    {"a time and a rate",      {1, 1},           {1234567, 13},    "1 ps",     "1.23 Mbps"},
+    {"a rate and a time",      {1234567, 14},    {1999999, 2},     "0.0 Gbps", "2.0 us"},
+    {"a frequency and a rate", {5000000, 9},     {5000000000, 14}, "5.0 MHz",  "5.0 Gbps"},
+    {"a rate and a frequency", {5000000000, 14}, {5000000, 9},     "5.0 Gbps", "5.0 MHz"},
+    {"equal counts",           {1000000, 2},     {1000000, 9},     "1.0 us",   "1.0 MHz"},
 };
+// clang-format on
 
 TEST_F(BigTimeCompare, TimesAreOrderedByTheirCounts) {
     for (LESS_ROW const& row : LESSES) {
@@ -287,16 +291,18 @@ struct REFUSAL_ROW {
     char const* text;
 };
 
+// clang-format off
 REFUSAL_ROW const REFUSALS[] = {
-    // own  new  text
-    {9, 10, R"(Can't assign "GHz" time unit to BIG_TIME object already in "MHz" units)"},
-    {3, 9, R"(Can't assign "MHz" time unit to BIG_TIME object already in "ns" units)"},
-    {0, 7, R"(Can't assign "Hz" time unit to BIG_TIME object already in "" units)"},
-    {7, 2, R"(Can't assign "ps" time unit to BIG_TIME object already in "Hz" units)"},
+    // own new text
+    {9,  10, R"(Can't assign "GHz" time unit to BIG_TIME object already in "MHz" units)"},
+    {3,  9,  R"(Can't assign "MHz" time unit to BIG_TIME object already in "ns" units)"},
+    {0,  7,  R"(Can't assign "Hz" time unit to BIG_TIME object already in "" units)"},
+    {7,  2,  R"(Can't assign "ps" time unit to BIG_TIME object already in "Hz" units)"},
     {13, 14, R"(Can't assign "Gbps" time unit to BIG_TIME object already in "Mbps" units)"},
     {12, 11, R"(Can't assign "ten_th_ns" time unit to BIG_TIME object already in "bps" units)"},
-    {9, 13, R"(Can't assign "Mbps" time unit to BIG_TIME object already in "MHz" units)"},
+    {9,  13, R"(Can't assign "Mbps" time unit to BIG_TIME object already in "MHz" units)"},
 };
+// clang-format on
 
 char const* const REFUSAL_FORMAT =
     "Can't assign \"%s\" time unit to BIG_TIME object already in \"%s\" units";

@@ -20,24 +20,26 @@ struct UNIT_ROW {
     unsigned int category_code;
 };
 
+// clang-format off
 UNIT_ROW const UNITS[] = {
-    // unit                    no  name         digits  category                       code
-    {BIG_TIME::UNIT_NONE, 0, "", 0, BIG_TIME::TIME_CATEGORY, 0},
-    {BIG_TIME::UNIT_FS, 1, "fs", -3, BIG_TIME::TIME_CATEGORY, 0},
-    {BIG_TIME::UNIT_PS, 2, "ps", 0, BIG_TIME::TIME_CATEGORY, 0},
-    {BIG_TIME::UNIT_NS, 3, "ns", 3, BIG_TIME::TIME_CATEGORY, 0},
-    {BIG_TIME::UNIT_US, 4, "us", 6, BIG_TIME::TIME_CATEGORY, 0},
-    {BIG_TIME::UNIT_MS, 5, "ms", 9, BIG_TIME::TIME_CATEGORY, 0},
-    {BIG_TIME::UNIT_S, 6, "s", 12, BIG_TIME::TIME_CATEGORY, 0},
-    {BIG_TIME::UNIT_HZ, 7, "Hz", 0, BIG_TIME::FREQUENCY_CATEGORY, 1},
-    {BIG_TIME::UNIT_KHZ, 8, "kHz", 3, BIG_TIME::FREQUENCY_CATEGORY, 1},
-    {BIG_TIME::UNIT_MHZ, 9, "MHz", 6, BIG_TIME::FREQUENCY_CATEGORY, 1},
-    {BIG_TIME::UNIT_GHZ, 10, "GHz", 9, BIG_TIME::FREQUENCY_CATEGORY, 1},
-    {BIG_TIME::UNIT_TEN_TH_NS, 11, "ten_th_ns", 2, BIG_TIME::TIME_CATEGORY, 0},
-    {BIG_TIME::UNIT_BPS, 12, "bps", 0, BIG_TIME::DATA_RATE_CATEGORY, 2},
-    {BIG_TIME::UNIT_MBPS, 13, "Mbps", 6, BIG_TIME::DATA_RATE_CATEGORY, 2},
-    {BIG_TIME::UNIT_GBPS, 14, "Gbps", 9, BIG_TIME::DATA_RATE_CATEGORY, 2},
+    // unit                     no  name         digits category                      code
+    {BIG_TIME::UNIT_NONE,      0,  "",          0,     BIG_TIME::TIME_CATEGORY,      0},
+    {BIG_TIME::UNIT_FS,        1,  "fs",        -3,    BIG_TIME::TIME_CATEGORY,      0},
+    {BIG_TIME::UNIT_PS,        2,  "ps",        0,     BIG_TIME::TIME_CATEGORY,      0},
+    {BIG_TIME::UNIT_NS,        3,  "ns",        3,     BIG_TIME::TIME_CATEGORY,      0},
+    {BIG_TIME::UNIT_US,        4,  "us",        6,     BIG_TIME::TIME_CATEGORY,      0},
+    {BIG_TIME::UNIT_MS,        5,  "ms",        9,     BIG_TIME::TIME_CATEGORY,      0},
+    {BIG_TIME::UNIT_S,         6,  "s",         12,    BIG_TIME::TIME_CATEGORY,      0},
+    {BIG_TIME::UNIT_HZ,        7,  "Hz",        0,     BIG_TIME::FREQUENCY_CATEGORY, 1},
+    {BIG_TIME::UNIT_KHZ,       8,  "kHz",       3,     BIG_TIME::FREQUENCY_CATEGORY, 1},
+    {BIG_TIME::UNIT_MHZ,       9,  "MHz",       6,     BIG_TIME::FREQUENCY_CATEGORY, 1},
+    {BIG_TIME::UNIT_GHZ,       10, "GHz",       9,     BIG_TIME::FREQUENCY_CATEGORY, 1},
+    {BIG_TIME::UNIT_TEN_TH_NS, 11, "ten_th_ns", 2,     BIG_TIME::TIME_CATEGORY,      0},
+    {BIG_TIME::UNIT_BPS,       12, "bps",       0,     BIG_TIME::DATA_RATE_CATEGORY, 2},
+    {BIG_TIME::UNIT_MBPS,      13, "Mbps",      6,     BIG_TIME::DATA_RATE_CATEGORY, 2},
+    {BIG_TIME::UNIT_GBPS,      14, "Gbps",      9,     BIG_TIME::DATA_RATE_CATEGORY, 2},
 };
+// clang-format on
 
 int const NUMBERS_BELOW[] = {-1, -2, -15, INT_MIN};
 int const NUMBERS_ABOVE[] = {15, 16, 30, 255, 65536, INT_MAX};
@@ -163,33 +165,35 @@ struct NAME_ROW {
     int unit; // 15: none
 };
 
+// clang-format off
 NAME_ROW const NAMES[] = {
-    // why                                     text           unit
-    {"blank texts name no unit", "", 0},
-    {"blank texts name no unit", " ", 0},
-    {"blank texts name no unit", "\t \n", 0},
-    {"letter case does not matter", "mhz", 9},
-    {"letter case does not matter", "MHZ", 9},
-    {"letter case does not matter", "MHz", 9},
-    {"letter case does not matter", "ms", 5},
-    {"letter case does not matter", "MS", 5},
-    {"letter case does not matter", "GHZ", 10},
-    {"letter case does not matter", "S", 6},
-    {"letter case does not matter", "TEN_th_Ns", 11},
-    {"blanks around do not matter", " \tns\n ", 3},
-    {"not a unit", "furlong", 15},
-    {"not a unit", "15", 15},
-    {"not a unit", "n", 15},
-    {"not a unit", "nss", 15},
-    {"not a unit", "kbps", 15},
-    {"two names", "ns ps", 15},
-    {"a name in two parts", "n s", 15},
-    {"a carriage return is part of the word", "ns\r", 15},
-    {"a carriage return is part of the word", "\r", 15},
-    {"so is a vertical tab", "\vns", 15},
-    {"so is a form feed", "ns\f", 15},
-    {"bytes above 127", "\xb5s", 15},
+    // why                                     text         unit
+    {"blank texts name no unit",              "",          0},
+    {"blank texts name no unit",              " ",         0},
+    {"blank texts name no unit",              "\t \n",     0},
+    {"letter case does not matter",           "mhz",       9},
+    {"letter case does not matter",           "MHZ",       9},
+    {"letter case does not matter",           "MHz",       9},
+    {"letter case does not matter",           "ms",        5},
+    {"letter case does not matter",           "MS",        5},
+    {"letter case does not matter",           "GHZ",       10},
+    {"letter case does not matter",           "S",         6},
+    {"letter case does not matter",           "TEN_th_Ns", 11},
+    {"blanks around do not matter",           " \tns\n ",  3},
+    {"not a unit",                            "furlong",   15},
+    {"not a unit",                            "15",        15},
+    {"not a unit",                            "n",         15},
+    {"not a unit",                            "nss",       15},
+    {"not a unit",                            "kbps",      15},
+    {"two names",                             "ns ps",     15},
+    {"a name in two parts",                   "n s",       15},
+    {"a carriage return is part of the word", "ns\r",      15},
+    {"a carriage return is part of the word", "\r",        15},
+    {"so is a vertical tab",                  "\vns",      15},
+    {"so is a form feed",                     "ns\f",      15},
+    {"bytes above 127",                       "\xb5s",     15},
 };
+// clang-format on
 
 std::vector<recording::CALL> bad_unit_report() {
     return {recording::debug("BAD Time Unit. Please checking your time unit input")};

@@ -17,41 +17,43 @@ struct TOKEN_ROW {
     int unit;         // 15: none of them
 };
 
+// clang-format off
 TOKEN_ROW const TOKENS[] = {
-    // why                                          text         none   one    left    unit
-    {"no token", "", true, false, "", 0},
-    {"no token", " ", true, false, "", 0},
-    {"no token", " \t\n \n\t", true, false, "", 0},
-    {"one token", "ns", false, true, "ns", 3},
-    {"one token", "furlong", false, true, "furlong", 15},
-    {"one token", "15", false, true, "15", 15},
-    {"one token with delimiters around", " \t\nms \t\n", false, true, "ms", 5},
-    {"two tokens", "ns ps", false, false, "", 15},
-    {"two tokens", "n s", false, false, "", 15},
-    {"two tokens", "ns\tns", false, false, "", 15},
-    {"two tokens", "n\ns", false, false, "", 15},
-    {"three tokens", "ten th ns", false, false, "", 15},
+    // why                                text                     none   one    left                     unit
+    {"no token",                         "",                      true,  false, "",                      0},
+    {"no token",                         " ",                     true,  false, "",                      0},
+    {"no token",                         " \t\n \n\t",            true,  false, "",                      0},
+    {"one token",                        "ns",                    false, true,  "ns",                    3},
+    {"one token",                        "furlong",               false, true,  "furlong",               15},
+    {"one token",                        "15",                    false, true,  "15",                    15},
+    {"one token with delimiters around", " \t\nms \t\n",          false, true,  "ms",                    5},
+    {"two tokens",                       "ns ps",                 false, false, "",                      15},
+    {"two tokens",                       "n s",                   false, false, "",                      15},
+    {"two tokens",                       "ns\tns",                false, false, "",                      15},
+    {"two tokens",                       "n\ns",                  false, false, "",                      15},
+    {"three tokens",                     "ten th ns",             false, false, "",                      15},
     // these are blanks elsewhere, but not between tokens
-    {"a carriage return is a character", "\r", false, true, "\r", 15},
-    {"a carriage return is a character", "ns\r\n", false, true, "ns\r", 15},
-    {"a carriage return is a character", "\r ns", false, false, "", 15},
-    {"a vertical tab is a character", "\vns", false, true, "\vns", 15},
-    {"a form feed is a character", "n\fs", false, true, "n\fs", 15},
-    {"bytes above 127 are characters", "\xa0", false, true, "\xa0", 15},
-    {"bytes above 127 are characters", "\xc2\xb5s", false, true, "\xc2\xb5s", 15},
-    {"NUL is a character", std::string("\0", 1), false, true, std::string("\0", 1), 15},
-    {"NUL is a character", std::string("a\0b ", 4), false, true, std::string("a\0b", 3), 15},
-    {"a lone S is the second", "S", false, true, "S", 6},
-    {"a lone S is the second", "s", false, true, "s", 6},
-    {"a unit within a longer word", "nss", false, true, "nss", 15},
-    {"a unit within a longer word", "ns.", false, true, "ns.", 15},
-    {"the beginning of a unit", "M", false, true, "M", 15},
-    {"the beginning of a unit", "ten_th_n", false, true, "ten_th_n", 15},
-    {"almost the tenth of a nanosecond", "ten_th-ns", false, true, "ten_th-ns", 15},
+    {"a carriage return is a character", "\r",                    false, true,  "\r",                    15},
+    {"a carriage return is a character", "ns\r\n",                false, true,  "ns\r",                  15},
+    {"a carriage return is a character", "\r ns",                 false, false, "",                      15},
+    {"a vertical tab is a character",    "\vns",                  false, true,  "\vns",                  15},
+    {"a form feed is a character",       "n\fs",                  false, true,  "n\fs",                  15},
+    {"bytes above 127 are characters",   "\xa0",                  false, true,  "\xa0",                  15},
+    {"bytes above 127 are characters",   "\xc2\xb5s",             false, true,  "\xc2\xb5s",             15},
+    {"NUL is a character",               std::string("\0", 1),    false, true,  std::string("\0", 1),    15},
+    {"NUL is a character",               std::string("a\0b ", 4), false, true,  std::string("a\0b", 3),  15},
+    {"a lone S is the second",           "S",                     false, true,  "S",                     6},
+    {"a lone S is the second",           "s",                     false, true,  "s",                     6},
+    {"a unit within a longer word",      "nss",                   false, true,  "nss",                   15},
+    {"a unit within a longer word",      "ns.",                   false, true,  "ns.",                   15},
+    {"the beginning of a unit",          "M",                     false, true,  "M",                     15},
+    {"the beginning of a unit",          "ten_th_n",              false, true,  "ten_th_n",              15},
+    {"almost the tenth of a nanosecond", "ten_th-ns",             false, true,  "ten_th-ns",             15},
     // 0x5f and 0x7f differ by the bit that tells letters' cases apart
-    {"almost the tenth of a nanosecond", "ten\x7fth\x7fns", false, true, "ten\x7fth\x7fns", 15},
-    {"almost picoseconds", std::string("p\x13", 2), false, true, std::string("p\x13", 2), 15},
+    {"almost the tenth of a nanosecond", "ten\x7fth\x7fns",       false, true,  "ten\x7fth\x7fns",       15},
+    {"almost picoseconds",               std::string("p\x13", 2), false, true,  std::string("p\x13", 2), 15},
 };
+// clang-format on
 
 TEST(BigUtilToken, TextsAreSplitOnSpaceTabAndLineFeed) {
     for (TOKEN_ROW const& row : TOKENS) {
@@ -72,23 +74,25 @@ struct UNIT_ROW {
     std::vector<char const*> names;
 };
 
+// clang-format off
 UNIT_ROW const UNITS[] = {
-    // unit                  some of its names
-    {BIG_TIME::UNIT_FS, {"fs", "FS", "Fs", "fS"}},
-    {BIG_TIME::UNIT_PS, {"ps", "PS", "Ps", "pS"}},
-    {BIG_TIME::UNIT_NS, {"ns", "NS", "Ns", "nS"}},
-    {BIG_TIME::UNIT_US, {"us", "US", "Us", "uS"}},
-    {BIG_TIME::UNIT_MS, {"ms", "MS", "Ms", "mS"}},
-    {BIG_TIME::UNIT_S, {"s", "S"}},
-    {BIG_TIME::UNIT_HZ, {"Hz", "HZ", "hz", "hZ"}},
-    {BIG_TIME::UNIT_KHZ, {"kHz", "KHZ", "khz", "Khz", "kHZ"}},
-    {BIG_TIME::UNIT_MHZ, {"MHz", "MHZ", "mhz", "mHz", "Mhz"}},
-    {BIG_TIME::UNIT_GHZ, {"GHz", "GHZ", "ghz", "gHz"}},
+    // unit                     some of its names
+    {BIG_TIME::UNIT_FS,        {"fs", "FS", "Fs", "fS"}},
+    {BIG_TIME::UNIT_PS,        {"ps", "PS", "Ps", "pS"}},
+    {BIG_TIME::UNIT_NS,        {"ns", "NS", "Ns", "nS"}},
+    {BIG_TIME::UNIT_US,        {"us", "US", "Us", "uS"}},
+    {BIG_TIME::UNIT_MS,        {"ms", "MS", "Ms", "mS"}},
+    {BIG_TIME::UNIT_S,         {"s", "S"}},
+    {BIG_TIME::UNIT_HZ,        {"Hz", "HZ", "hz", "hZ"}},
+    {BIG_TIME::UNIT_KHZ,       {"kHz", "KHZ", "khz", "Khz", "kHZ"}},
+    {BIG_TIME::UNIT_MHZ,       {"MHz", "MHZ", "mhz", "mHz", "Mhz"}},
+    {BIG_TIME::UNIT_GHZ,       {"GHz", "GHZ", "ghz", "gHz"}},
     {BIG_TIME::UNIT_TEN_TH_NS, {"ten_th_ns", "TEN_TH_NS", "Ten_Th_Ns", "tEN_tH_nS"}},
-    {BIG_TIME::UNIT_BPS, {"bps", "BPS", "Bps", "bPs"}},
-    {BIG_TIME::UNIT_MBPS, {"Mbps", "MBPS", "mbps", "MbPs"}},
-    {BIG_TIME::UNIT_GBPS, {"Gbps", "GBPS", "gbps", "gBpS"}},
+    {BIG_TIME::UNIT_BPS,       {"bps", "BPS", "Bps", "bPs"}},
+    {BIG_TIME::UNIT_MBPS,      {"Mbps", "MBPS", "mbps", "MbPs"}},
+    {BIG_TIME::UNIT_GBPS,      {"Gbps", "GBPS", "gbps", "gBpS"}},
 };
+// clang-format on
 
 TEST(BigUtilToken, EveryUnitIsFoundByItsNameInAnyLetterCase) {
     recording::clear();
