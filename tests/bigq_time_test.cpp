@@ -268,11 +268,10 @@ TEST(BigqTime, ALineThatIsTooLongIsAnError) {
 TEST(BigqTime, LinesAreFoundWhereverTheReadsEnd) {
     std::string input;
     std::string expected;
-    for (int i = 0; i < 60000; ++i) { // about 600 KB: several buffers
+    for (int i = 1; i <= 60000; ++i) { // about 600 KB: several buffers
         input += std::to_string(i) + " ns" + (i % 3 == 0 ? "\r\n" : "\n");
         expected += std::to_string(i) + "000 ps" + (i % 3 == 0 ? "\r\n" : "\n");
     }
-    expected.replace(0, 4, "0"); // 0 ns is 0 ps
     EXPECT_EQ(run_shell("bigq time --to ps", input).out, expected);
     EXPECT_EQ(run_shell("cat | bigq time --to ps | cat", input).out, expected);
 }

@@ -1,6 +1,7 @@
-// A program may put its own definition of a platform operation in front: then the platform's own
-// libraries call it too, not only the program.
+// A program may put its own definition of a platform operation in front: then the library and the
+// rest of the platform call it too, not only the program.
 
+#include "big_sys.h"
 #include "cfg_sys.h"
 #include "err_sys.h"
 #include "gen_sys.h"
@@ -71,7 +72,16 @@ TEST(PlatformFront, TheProgramsOwnReportReceivesThePlatformsErrors) {
               "record == this");
 }
 
+TEST(PlatformFront, TheLibraryAsksTheProgramsOwnSwitchesAndReportsToIt) {
+    switches_asked_for().clear();
+    BIG_TIME time(1LL, BIG_TIME::UNIT_NS);
+    EXPECT_EQ(reported([&] { time.set_time_unit(BIG_TIME::UNIT_NONE); }), "Time Unit out of range");
+    EXPECT_EQ(switches_asked_for(),
+              std::vector<std::string>{"big_time_ie_on_unit_conversion_error"});
+}
+
 TEST(PlatformFront, TheProgramsOwnSwitchesDecideAboutDebugMessages) {
+    switches_asked_for().clear();
     testing::internal::CaptureStderr();
     debug("on %s", "request");
     debug("and again");

@@ -59,7 +59,7 @@ TEST(PlatformKtl, TokensAreAppendedToThoseThatAreThere) {
 TEST(PlatformKtl, TheDelimitersAreKept) {
     std::string delimiters = ",";
     KTL_TOKENIZER tokenizer(delimiters, false, "", "", "", false);
-    delimiters = ";";
+    delimiters[0] = ';';
     TOKENS tokens;
     tokenizer.tokenize("a,b;c", tokens);
     EXPECT_EQ(tokens, (TOKENS{"a", "b;c"}));

@@ -34,7 +34,8 @@ void* this_ptr_fn(void* object) {
 
 /// A record of a class of this test.
 struct RECORD : PDB_THUNK_INFO {
-    explicit RECORD(unsigned int class_id, int line = 1)
+    // Not inlined: g++ 12 takes the address of an object under construction for a use of it.
+    [[gnu::noinline]] explicit RECORD(unsigned int class_id, int line = 1)
         : PDB_THUNK_INFO(this, class_id, malloc_fn, allocate_fn, allocate_array_fn, constructor_fn,
                          destructor_fn, serializer_fn, virtual_thunk_fn, this_ptr_fn, false, false,
                          typeid(RECORD), 24, "TEST", "tests/platform_pdb_test", line) {}
@@ -143,6 +144,7 @@ TEST(PlatformPdb, RecordsComeAndGoInSeveralThreads) {
     EXPECT_EQ(own_class_ids(), IDS{0x5747});
 }
 
+#ifdef BIG_PDB_MODULE
 TEST(PlatformPdb, ALibraryTakesItsRecordsWithItWhenItIsUnloaded) {
     EXPECT_EQ(pdb_find_class(0x10ad), nullptr);
     void* const library = dlopen(BIG_PDB_MODULE, RTLD_NOW | RTLD_LOCAL);
@@ -152,5 +154,6 @@ TEST(PlatformPdb, ALibraryTakesItsRecordsWithItWhenItIsUnloaded) {
     dlclose(library);
     EXPECT_EQ(pdb_find_class(0x10ad), nullptr);
 }
+#endif
 
 } // namespace

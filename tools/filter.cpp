@@ -93,10 +93,11 @@ private:
     EXIT_STATUS m_status = STATUS_OK;
     std::string m_place; ///< what stands in front of a line's number in a message
 
-    std::string m_text;    // of the text at hand, kept for their memory
-    std::string m_result;  //
-    std::string m_problem; //
-    std::string m_object;  //
+    // Of the text at hand; members so that their memory is used again.
+    std::string m_text;
+    std::string m_result;
+    std::string m_problem;
+    std::string m_object;
 };
 
 EXIT_STATUS FILTER::convert_texts(std::vector<std::string> const& texts) {
@@ -217,8 +218,7 @@ CONVERSION::~CONVERSION() = default;
 
 char const* const FILTER_HELP =
     "Lines keep their ends. An empty line is refused like any other text that is no value. "
-    "Messages "
-    "go to standard error and name the line, the text and what was expected.\n"
+    "Messages go to standard error and name the line, the text and what was expected.\n"
     "\n"
     "Exit status: 0 when everything was converted (or --invalid is warn or ignore), 1 when a text "
     "was refused or reading or writing failed, 2 for a wrong command line.\n";

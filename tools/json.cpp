@@ -6,16 +6,20 @@ namespace {
 
 char const HEX_DIGITS[] = "0123456789abcdef";
 
-/// Appends a character as it stands in a JSON string.
+/// Whether a byte stands for itself in a JSON string.
+bool is_plain(char c) {
+    return c >= 0x20 && c < 0x7F && c != '"' && c != '\\';
+}
+
+/// Appends an ASCII character as it stands in a JSON string.
 void append_escaped(std::string& out, char c) {
-    unsigned char const byte = static_cast<unsigned char>(c);
     if (c == '"' || c == '\\') {
         out += '\\';
         out += c;
-    } else if (byte < 0x20) {
+    } else if (c < 0x20) {
         out += "\\u00";
-        out += HEX_DIGITS[byte >> 4];
-        out += HEX_DIGITS[byte & 15];
+        out += HEX_DIGITS[c >> 4];
+        out += HEX_DIGITS[c & 15];
     } else {
         out += c;
     }
@@ -25,19 +29,26 @@ void append_escaped(std::string& out, char c) {
 bool append_string(std::string& out, std::string_view text) {
     bool is_utf8 = true;
     out += '"';
-    while (!text.empty()) {
+    while (true) {
+        std::size_t plain = 0;
+        while (plain < text.size() && is_plain(text[plain])) {
+            ++plain;
+        }
+        out += text.substr(0, plain);
+        text.remove_prefix(plain);
+        if (text.empty()) {
+            break;
+        }
         std::size_t const length = utf8_length(text);
         if (length == 0) {
             is_utf8 = false;
             out += "\\ufffd";
-            text.remove_prefix(1);
         } else if (length == 1) {
             append_escaped(out, text[0]);
-            text.remove_prefix(1);
         } else {
             out += text.substr(0, length);
-            text.remove_prefix(length);
         }
+        text.remove_prefix(length == 0 ? 1 : length);
     }
     out += '"';
     return is_utf8;

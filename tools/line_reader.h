@@ -26,7 +26,7 @@ struct LINE {
 /// written out, so that nobody waits for an answer whose question has been read.
 class LINE_READER {
 public:
-    /// A line that fills this many bytes, its end included, is refused.
+    /// A line shorter than this, its end included, can be read; a longer one is an error.
     static constexpr std::size_t LINE_LIMIT = 16 * 1024 * 1024;
 
     explicit LINE_READER(OUTPUT& output);

@@ -260,9 +260,8 @@ void add_time_options(CLI::App& app, TIME_OPTIONS& options) {
 std::string description() {
     return "Convert times, frequencies and data rates, exactly.\n"
            "\n"
-           "A text is a decimal number and a unit: 2.5ns, \"-20 ps\", \"3 MHz\". Without a TEXT "
-           "the "
-           "lines of standard input are converted. The units, in any letter case: "
+           "A text is a decimal number and a unit: 2.5ns, \"-20 ps\", \"3 MHz\". Without a "
+           "TEXT the lines of standard input are converted. The units, in any letter case: "
            + unit_names()
            + ". A frequency given in a unit of time is its period, and the other way round; for 0 "
              "that is INF.";

@@ -40,7 +40,7 @@ enum MSG_ENUMERATED_POST_MSG : int {
 /// The standalone platform prints one line on standard error, which names the number and the
 /// arguments in double quotes:
 ///
-///     message 1: "3 parsecs" cannot be read as a time, a frequency or a data rate
+///     message 1: "3parsecs" cannot be read as a time, a frequency or a data rate
 ///     message 2: "1.5 ps" has digits finer than its unit can hold; it is stored as "1 ps"
 ///
 /// It prints a number that it has no wording for too.

@@ -15,9 +15,9 @@
 /// see; the caller goes on. It may be called from several threads at once. No argument is null.
 ///
 /// The standalone platform gives the text, formatted in the "C" locale, to the program's sink if
-/// there is one. Else it prints one line on standard error, as in "BIG: Empty string!", when the
-/// switch BIG_DEBUG is on (cfg_is_on("big_debug"), asked once in a process), and nothing when it is
-/// off. A switch that cannot be read is told on standard error, once, and is off.
+/// there is one. Else it prints one line on standard error, as in "BIG: BIG_TIME constructor
+/// failed", when the switch BIG_DEBUG is on (cfg_is_on("big_debug"), asked once in a process), and
+/// nothing when it is off. A switch that cannot be read is told on standard error once and is off.
 ///
 /// @param module the module's name, "BIG" for this library
 /// @param format a printf format
