@@ -16,6 +16,7 @@
 
 #include "err_sys.h"
 
+#include <cstring>
 #include <string>
 
 /// Marks what the library exports.
@@ -141,11 +142,9 @@ public:
     BIG_TIME(long long value, TIME_UNIT unit);
     BIG_TIME(long long value, std::string const& unit_text);
 
-    /// Holds a number of units. A unit outside 0 to 14, or a text that names none, returns false
-    /// and changes nothing. Internal errors are those of compute_storage_number().
-    ///
-    /// @param value     the number, scaled into the storage unit
-    /// @param unit_text a unit's name in any letter case; blank for UNIT_NONE
+    /// Holds a number of units, scaled into the storage unit. A unit text is a unit's name in any
+    /// letter case, or blank for UNIT_NONE. A unit outside 0 to 14, or a text that names none,
+    /// returns false and changes nothing. Internal errors are those of compute_storage_number().
     bool set_time(long long value, TIME_UNIT unit);
     bool set_time(long long value, std::string const& unit_text);
 
@@ -162,9 +161,9 @@ public:
 
     /// Reads a decimal number in a unit: an optional sign, digits with at most one point, and
     /// digits finer than the unit holds are cut off. The last form reads number and unit from one
-    /// text: "1.5ns", "-20 ps", "250". Whatever is refused leaves the default state.
+    /// text: "1.5ns", "-20 ps", "250". A unit text is a unit's name in any letter case, or blank
+    /// for UNIT_NONE. Whatever is refused leaves the default state.
     ///
-    /// @param unit_text     a unit's name in any letter case; blank for UNIT_NONE
     /// @param post_messages whether to post message 1 when the text is refused and message 2 when
     ///                      digits other than 0 are cut off
     /// @return whether the text was read
@@ -205,8 +204,7 @@ public:
     /// number or a known unit is not truncated.
     ///
     /// @param text           number and unit; null or empty gives false and leaves truncated_text
-    /// @param truncated_text receives the text as stored if it is truncated, else the text as
-    /// given.
+    /// @param truncated_text receives the text as stored if it is truncated, else as given.
     ///                       A sign of either kind comes back as '-', with the point one place
     ///                       early, and femtoseconds with a point may throw std::out_of_range: both
     ///                       are relied on.
@@ -226,7 +224,10 @@ public:
     ///
     /// Internal errors: "Wrong concept: Negative frequency!" and "Wrong concept: 0 MHz!" for a
     /// negative or zero frequency or data rate; overflow_error() when the result does not fit 64
-    /// bits. @param unit 0 to 14; outside, the internal errors of get_time_unit_string()
+    /// bits.
+    ///
+    /// @param value the number
+    /// @param unit  0 to 14; outside, the internal errors of get_time_unit_string()
     static long long compute_storage_number(long long value, TIME_UNIT unit);
 
     /// The stored count; for a frequency other than 0 its period in picoseconds, cut toward zero.
@@ -300,8 +301,9 @@ public:
     // --- Text ---
 
     /// Places the decimal point for a unit in a text of an optional sign and decimal digits: 5 in
-    /// ns becomes 0.005. Internal error "result_string != NULL" for a null text. @param unit 0 to
-    /// 14; outside, the internal errors of get_time_unit_string()
+    /// ns becomes 0.005. Internal error "result_string != NULL" for a null text.
+    ///
+    /// @param unit 0 to 14; outside, the internal errors of get_time_unit_string()
     void add_decimal(std::string* text, TIME_UNIT unit) const;
 
     /// The number in a unit, rounded half up on the magnitude. A frequency in a time unit prints
@@ -447,17 +449,23 @@ public:
     // --- Construction and assignment ---
 
     /// 0.
-    BIG_INLINE BIG_ULONG128() : m_length(1), m_cells{} {}
-    BIG_INLINE BIG_ULONG128(unsigned int value) : m_length(1), m_cells{value} {}
+    BIG_INLINE BIG_ULONG128() : BIG_ULONG128(0, 1) {}
+    BIG_INLINE BIG_ULONG128(unsigned int value) : BIG_ULONG128(value, 1) {}
     /// A negative number gives 0 and a debug message.
     BIG_ULONG128(int value);
     BIG_INLINE BIG_ULONG128(unsigned long long value)
-        : m_length(value > 0xFFFFFFFFu ? 2 : 1), m_cells{static_cast<unsigned int>(value),
-                                                         static_cast<unsigned int>(value >> 32)} {}
-    BIG_ULONG128(BIG_ULONG128 const& other);
-    BIG_ULONG128& operator=(BIG_ULONG128 const& other);
-    BIG_ULONG128& operator=(unsigned long long value);
-    BIG_ULONG128& operator=(unsigned int const& value);
+        : BIG_ULONG128(value, value > 0xFFFFFFFFu ? 2 : 1) {}
+    BIG_INLINE BIG_ULONG128(BIG_ULONG128 const& other)
+        : BIG_ULONG128(other.value(), other.m_length) {}
+    BIG_INLINE BIG_ULONG128& operator=(BIG_ULONG128 const& other) {
+        return assign(other.value(), other.m_length);
+    }
+    BIG_INLINE BIG_ULONG128& operator=(unsigned long long value) {
+        store_two_cells(0, value);
+        m_length = value > 0xFFFFFFFFu ? 2 : 1;
+        return *this;
+    }
+    BIG_INLINE BIG_ULONG128& operator=(unsigned int const& value) { return assign(value, 1); }
     BIG_INLINE ~BIG_ULONG128() {}
 
     // --- Arithmetic ---
@@ -470,21 +478,21 @@ public:
     void partial_add(int shift, BIG_ULONG128 const& other);
 
     /// Sum. Internal error on overflow: "(m_length+1) <= BIG_ULONG128::MAX_CELL".
-    BIG_ULONG128 operator+(BIG_ULONG128 const& other) const;
-    BIG_ULONG128& operator+=(BIG_ULONG128 const& other);
-    BIG_ULONG128& operator++();
-    BIG_ULONG128 operator++(int);
+    BIG_INLINE BIG_ULONG128 operator+(BIG_ULONG128 const& other) const;
+    BIG_INLINE BIG_ULONG128& operator+=(BIG_ULONG128 const& other) { return *this = *this + other; }
+    BIG_INLINE BIG_ULONG128& operator++() { return *this = *this + BIG_ULONG128(1u); }
+    BIG_INLINE BIG_ULONG128 operator++(int);
 
     /// Difference. Internal error when other is the larger: "Underflow".
-    BIG_ULONG128 operator-(BIG_ULONG128 const& other) const;
-    BIG_ULONG128& operator-=(BIG_ULONG128 const& other);
-    BIG_ULONG128& operator--();
-    BIG_ULONG128 operator--(int);
+    BIG_INLINE BIG_ULONG128 operator-(BIG_ULONG128 const& other) const;
+    BIG_INLINE BIG_ULONG128& operator-=(BIG_ULONG128 const& other) { return *this = *this - other; }
+    BIG_INLINE BIG_ULONG128& operator--() { return *this = *this - BIG_ULONG128(1u); }
+    BIG_INLINE BIG_ULONG128 operator--(int);
 
     /// Product. Internal errors on overflow: "Overflow" when a partial product would reach past
     /// cell 3, "(m_length+1) <= BIG_ULONG128::MAX_CELL" when a carry would.
-    BIG_ULONG128 operator*(BIG_ULONG128 const& other) const;
-    BIG_ULONG128& operator*=(BIG_ULONG128 const& other);
+    BIG_INLINE BIG_ULONG128 operator*(BIG_ULONG128 const& other) const;
+    BIG_INLINE BIG_ULONG128& operator*=(BIG_ULONG128 const& other) { return *this = *this * other; }
 
     /// Quotient, rounded down. Internal error: "Division by Zero".
     BIG_ULONG128 operator/(unsigned int const& divisor) const;
@@ -497,26 +505,39 @@ public:
 
     // --- Comparison and logic; zero is false ---
 
-    bool operator==(BIG_ULONG128 const& other) const;
-    bool operator!=(BIG_ULONG128 const& other) const;
-    bool operator>(BIG_ULONG128 const& other) const;
-    bool operator>=(BIG_ULONG128 const& other) const;
-    bool operator<(BIG_ULONG128 const& other) const;
-    bool operator<=(BIG_ULONG128 const& other) const;
-    bool operator!();
-    bool operator&&(BIG_ULONG128 const& other) const;
-    bool operator||(BIG_ULONG128 const& other) const;
+    BIG_INLINE bool operator==(BIG_ULONG128 const& other) const {
+        return (m_length == other.m_length) & (value() == other.value());
+    }
+    BIG_INLINE bool operator!=(BIG_ULONG128 const& other) const { return !(*this == other); }
+    BIG_INLINE bool operator>(BIG_ULONG128 const& other) const {
+        return (m_length > other.m_length)
+               | ((m_length == other.m_length) & (value() > other.value()));
+    }
+    BIG_INLINE bool operator>=(BIG_ULONG128 const& other) const { return !(other > *this); }
+    BIG_INLINE bool operator<(BIG_ULONG128 const& other) const { return other > *this; }
+    BIG_INLINE bool operator<=(BIG_ULONG128 const& other) const { return !(*this > other); }
+    BIG_INLINE bool operator!() { return *this == BIG_ULONG128(); }
+    BIG_INLINE bool operator&&(BIG_ULONG128 const& other) const {
+        return *this != BIG_ULONG128() && other != BIG_ULONG128();
+    }
+    BIG_INLINE bool operator||(BIG_ULONG128 const& other) const {
+        return *this != BIG_ULONG128() || other != BIG_ULONG128();
+    }
 
     // --- Access ---
 
     /// The low 64 bits.
-    unsigned long long get_low_qword();
+    BIG_INLINE unsigned long long get_low_qword() {
+        return static_cast<unsigned long long>(value());
+    }
     /// The high 64 bits.
-    unsigned long long get_high_qword();
+    BIG_INLINE unsigned long long get_high_qword() {
+        return static_cast<unsigned long long>(value() >> 64);
+    }
     /// Whether the value is defined; see erase().
-    bool is_defined();
+    BIG_INLINE bool is_defined() { return m_length != 0; }
     /// Makes the value undefined.
-    void erase();
+    BIG_INLINE void erase() { m_length = 0; }
 
     // --- Text ---
 
@@ -530,9 +551,122 @@ public:
 private:
     friend class BIG_ULONG128_INSPECTOR;
 
+    // What cannot fail is computed on the machine's own 128-bit integer. The length is part of the
+    // value all the same: it orders values before their cells do, and the cells above it keep
+    // whatever they held, so that every reading masks them.
+
+    __extension__ typedef unsigned __int128 WIDE;
+
+    BIG_LOCAL BIG_ULONG128(WIDE value, int length) : m_length(length) {
+        store_two_cells(0, static_cast<unsigned long long>(value));
+        store_two_cells(2, static_cast<unsigned long long>(value >> 64));
+    }
+
+    /// A defined value in as few cells as it needs.
+    BIG_LOCAL static BIG_ULONG128 of(WIDE value) { return BIG_ULONG128(value, cells_for(value)); }
+
+    /// The cells that a defined value needs: 1 to 4.
+    BIG_LOCAL static int cells_for(WIDE value) {
+        return 1 + (value >> 32 != 0) + (value >> 64 != 0) + (value >> 96 != 0);
+    }
+
+    /// The bits of the cells below a length.
+    BIG_LOCAL static WIDE bits_below(int length) {
+        static constexpr unsigned long long low[] = {0, 0xFFFFFFFFu, ~0ull, ~0ull, ~0ull};
+        static constexpr unsigned long long high[] = {0, 0, 0, 0xFFFFFFFFu, ~0ull};
+        return static_cast<WIDE>(high[length]) << 64 | low[length];
+    }
+
+    /// The number that the cells in use form; 0 for an erased value.
+    BIG_LOCAL WIDE value() const { return all_cells() & bits_below(m_length); }
+
+    /// Takes over a number of some length and leaves the cells above it as they are.
+    BIG_LOCAL BIG_ULONG128& assign(WIDE value, int length) {
+        WIDE const cells = (all_cells() & ~bits_below(length)) | value;
+        store_two_cells(0, static_cast<unsigned long long>(cells));
+        store_two_cells(2, static_cast<unsigned long long>(cells >> 64));
+        m_length = length;
+        return *this;
+    }
+
+    BIG_LOCAL WIDE all_cells() const {
+        return static_cast<WIDE>(load_two_cells(2)) << 64 | load_two_cells(0);
+    }
+
+    // Two cells move as one 64-bit integer: in halves they would have to be put together in memory
+    // by whoever reads them next, which waits for both.
+    BIG_LOCAL unsigned long long load_two_cells(int index) const {
+        unsigned long long pair = 0;
+        std::memcpy(&pair, m_cells + index, sizeof pair);
+        return in_cell_order(pair);
+    }
+    BIG_LOCAL void store_two_cells(int index, unsigned long long pair) {
+        pair = in_cell_order(pair);
+        std::memcpy(m_cells + index, &pair, sizeof pair);
+    }
+    BIG_LOCAL static unsigned long long in_cell_order(unsigned long long pair) {
+        return __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? pair : pair << 32 | pair >> 32;
+    }
+
+    /// partial_add() as it goes, so that a report leaves the value half done.
+    BIG_LOCAL void add_cells(int shift, BIG_ULONG128 const& other);
+
+    /// Product cell by cell: finds the error to report when it does not fit.
+    BIG_ULONG128 multiply_by_cells(BIG_ULONG128 const& other) const;
+    /// Reports that a difference would be negative.
+    [[noreturn]] static void report_underflow();
+    /// Quotient by a divisor of one word that is not 0.
+    BIG_LOCAL static BIG_ULONG128 divide_by_word(WIDE dividend, unsigned long long divisor);
+
     int m_length;                   ///< cells in use; 0 means undefined
     unsigned int m_cells[MAX_CELL]; ///< base 2^32, least significant first
 };
+
+BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator+(BIG_ULONG128 const& other) const {
+    WIDE sum = 0;
+    if (__builtin_add_overflow(value(), other.value(), &sum)) {
+        BIG_ULONG128 too_large = *this;
+        too_large.partial_add(0, other); // reports
+        return too_large;
+    }
+    // The sum is as long as the longer operand (erased if both are) or a carry longer.
+    int const longer = m_length > other.m_length ? m_length : other.m_length;
+    return BIG_ULONG128(sum, longer + (sum > bits_below(longer)));
+}
+
+BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator++(int) {
+    BIG_ULONG128 const before = *this;
+    ++*this;
+    return before;
+}
+
+BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator-(BIG_ULONG128 const& other) const {
+    if (other > *this)
+        report_underflow();
+    return of(value() - other.value());
+}
+
+BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator--(int) {
+    BIG_ULONG128 const before = *this;
+    --*this;
+    return before;
+}
+
+BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator*(BIG_ULONG128 const& other) const {
+    //  (a_high x 2^64 + a_low) x (b_high x 2^64 + b_low): a product that fits has no high x high,
+    //  and what it has above low x low fits in the upper half.
+    WIDE const a = value();
+    WIDE const b = other.value();
+    WIDE const a_high = a >> 64;
+    WIDE const b_high = b >> 64;
+    WIDE const a_low = static_cast<unsigned long long>(a);
+    WIDE const b_low = static_cast<unsigned long long>(b);
+    WIDE const low = a_low * b_low;
+    WIDE const upper = (low >> 64) + a_high * b_low + a_low * b_high;
+    if (((a_high != 0) & (b_high != 0)) | (upper >> 64 != 0))
+        return multiply_by_cells(other);
+    return of(upper << 64 | static_cast<unsigned long long>(low));
+}
 
 /// The powers of ten that BIG_ULONG128 prints by.
 class BIG_API BIG_ULONG128_DECIMAL_TABLE {
@@ -548,6 +682,9 @@ public:
 // ------------------------------------------------------------------------------------------------
 // Common divisors
 // ------------------------------------------------------------------------------------------------
+//
+// An erased 128-bit operand comes back from 0 and from another erased one; with any other number it
+// is the internal error "Underflow", path "big/big_ulong128".
 
 /// The greatest common divisor by repeated subtraction. Two equal operands, two zeros included,
 /// give that operand.
@@ -575,8 +712,8 @@ BIG_API unsigned int big_gcd_binary(unsigned int a, unsigned int b);
 BIG_API long long big_gcd_binary(long long a, long long b);
 BIG_API BIG_ULONG128 big_gcd_binary(BIG_ULONG128 a, BIG_ULONG128 b);
 
-/// Divides both by their greatest common divisor. Two negatives become positive, one keeps its
-/// sign; two zeros stay.
+/// Divides both by their greatest common divisor. Two negatives become positive (but -2^63, which
+/// has no positive counterpart, stays negative), one keeps its sign; two zeros stay.
 BIG_API void big_suppress_gcd(long long& numerator, long long& denominator);
 
 // ------------------------------------------------------------------------------------------------

@@ -1,5 +1,6 @@
 // vcdshow as a user runs it.
 
+#include "page_examples.h"
 #include "run_program.h"
 
 #include <string>
@@ -379,6 +380,10 @@ TEST(VcdProgram, HelpNamesEveryOption) {
                                "--from", "--to", "--csv", "DUMP"}) {
         EXPECT_NE(run.out.find(option), std::string::npos) << option;
     }
+}
+
+TEST(VcdProgram, ExamplesOfItsPageAreTrue) {
+    expect_true_examples(examples_of_page("examples/vcdshow/README.md"), 4, EXAMPLES);
 }
 
 // ------------------------------------------------------------------------------------------------

@@ -88,7 +88,7 @@ std::string variables_of(std::string_view text, std::size_t piece = WHOLE,
 /// buffers that have to grow and through one that does not.
 template <typename READING>
 void expect_in_pieces(std::string const& expected, READING const& reading) {
-    for (std::size_t const buffer_size : {1, 16, 4096}) {
+    for (std::size_t const buffer_size : {1u, 16u, 4096u}) {
         for (std::size_t piece = 1; piece <= 24; ++piece) {
             ASSERT_EQ(reading(piece, buffer_size), expected)
                 << "in pieces of " << piece << " bytes, through a buffer of " << buffer_size;
@@ -361,7 +361,9 @@ TEST(VcdReader, PlaceIsThatOfTheChange) {
 
 TEST(VcdReader, WidestValuesAreReadWhole) {
     constexpr std::size_t WIDTH = VCD_READER::WIDEST_VARIABLE;
-    std::string const value = "1" + std::string(WIDTH - 2, 'x') + "0";
+    std::string value(WIDTH, 'x');
+    value.front() = '1';
+    value.back() = '0';
     std::string const text =
         declaring("$var wire " + std::to_string(WIDTH) + " ! a $end") + "b" + value + " !\nbz1 !\n";
     TEXT_SOURCE source(text, WHOLE);

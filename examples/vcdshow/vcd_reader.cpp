@@ -45,15 +45,15 @@ enum CHARACTER_CLASS : unsigned char {
 
 constexpr std::array<unsigned char, 256> CHARACTER_CLASSES = [] {
     std::array<unsigned char, 256> classes{};
-    for (unsigned char const c : std::string_view(" \t\n\v\f\r")) {
-        classes[c] = WHITE;
+    for (char const c : std::string_view(" \t\n\v\f\r")) {
+        classes[static_cast<unsigned char>(c)] = WHITE;
     }
     for (std::size_t c = '!'; c < classes.size(); ++c) {
         classes[c] = WORD;
     }
     classes[0x7F] = 0;
-    for (unsigned char const c : std::string_view("01xXzZuUwWhHlL-")) {
-        classes[c] |= DIGIT;
+    for (char const c : std::string_view("01xXzZuUwWhHlL-")) {
+        classes[static_cast<unsigned char>(c)] |= DIGIT;
     }
     return classes;
 }();
@@ -429,7 +429,7 @@ void VCD_READER::end_header() {
     if (m_timescale.unit() == BIG_TIME::UNIT_NONE) {
         refuse("the declarations have no $timescale; expected one such as $timescale 1 ns $end");
     }
-    m_max_time = m_timescale.max_count();
+    m_max_time = static_cast<unsigned long long>(m_timescale.max_count());
     m_in_header = false;
 }
 

@@ -1,5 +1,7 @@
 #include "printing.h"
 
+#include "ulong128_inspector.h"
+
 #include <ostream>
 
 void PrintTo(BIG_TIME const& time, std::ostream* out) {
@@ -16,4 +18,13 @@ void PrintTo(BIG_TIME::TIME_UNIT unit, std::ostream* out) {
         *out << names[unit];
     else
         *out << "unit " << static_cast<int>(unit);
+}
+
+void PrintTo(BIG_ULONG128 const& value, std::ostream* out) {
+    BIG_ULONG128_INSPECTOR::CELLS const cells = BIG_ULONG128_INSPECTOR::cells(value);
+    int const length = BIG_ULONG128_INSPECTOR::length(value);
+    *out << "length " << length << ", cells" << std::hex;
+    for (int i = 0; i < BIG_ULONG128::MAX_CELL; ++i)
+        *out << (i == length ? " | 0x" : " 0x") << cells.at(static_cast<std::size_t>(i));
+    *out << std::dec;
 }

@@ -10,5 +10,6 @@
 
 void PrintTo(BIG_TIME const& time, std::ostream* out);
 void PrintTo(BIG_TIME::TIME_UNIT unit, std::ostream* out);
+void PrintTo(BIG_ULONG128 const& value, std::ostream* out);
 
 #endif
