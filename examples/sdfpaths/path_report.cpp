@@ -191,11 +191,8 @@ void PATH_REPORT::write_counts(std::string& out) const {
     }
     out += '\n';
     if (m_with_float) {
-        out += "In double, " + counted(m_counts.other_totals, "total") + " and "
-               + counted(m_counts.other_verdicts, "verdict")
-               + (m_counts.other_totals + m_counts.other_verdicts == 1 ? " is" : " are")
-               + " not the exact one"
-               + (m_counts.other_totals + m_counts.other_verdicts == 1 ? "" : "s")
-               + "; * marks the sums.\n";
+        out += "in double: " + counted(m_counts.other_totals, "other total") + " and "
+               + counted(m_counts.other_verdicts, "other verdict")
+               + "; * marks each sum that is another number\n";
     }
 }
