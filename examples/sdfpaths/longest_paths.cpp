@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -49,6 +50,16 @@ bool is_longer(PATH_TO const& a, PATH_TO const& b) {
     }
     throw DELAY_ERROR("the longest paths: found a loop: " + std::string(graph.name(pin)) + " -> "
                       + loop + "; expected none, as its paths have no end");
+}
+
+/// The sum of a path that a delay makes longer, up to a pin.
+BIG_TIME longer(BIG_TIME const& sum, BIG_TIME const& delay, DELAY_GRAPH const& graph, PIN pin) {
+    try {
+        return sum_of(sum, delay);
+    } catch (std::range_error const& error) {
+        throw DELAY_ERROR(std::string("the longest paths: found a sum of ") + error.what() + " at "
+                          + std::string(graph.name(pin)) + "; expected less");
+    }
 }
 
 /// The steps of a path to a pin.
@@ -101,7 +112,7 @@ std::vector<std::vector<HOP>> longest_paths(DELAY_GRAPH const& graph, EDGE edge,
         for (PIN const to : successors[from]) {
             BIG_TIME const delay = graph.delay(from, to, edge).time;
             for (std::uint32_t i = 0; i < kept; ++i) {
-                paths[to].push_back({sum_of(to_from[i].sum, delay), from, i});
+                paths[to].push_back({longer(to_from[i].sum, delay, graph, to), from, i});
             }
             if (--predecessor_counts[to] == 0) {
                 ready.push_back(to);

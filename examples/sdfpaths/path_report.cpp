@@ -63,16 +63,19 @@ std::string CLOCK::text() const {
     return number + ' ' + BIG_TIME::get_time_unit_string(m_frequency.get_time_unit());
 }
 
-/// The true sum is below time + cut_up and above time - cut_down, and the true period less than a
-/// picosecond longer than the one cut. As all of these are whole numbers, what holds for them with
-/// the margin holds for the true ones too.
-VERDICT verdict_of(DELAY const& total, BIG_TIME const& period) {
+VERDICT verdict_of(DELAY const& total, CLOCK const& clock) {
+    BIG_TIME const& period = clock.period();
     BIG_TIME const latest = total.time + BIG_TIME(total.cut_up, BIG_TIME::UNIT_PS);
     BIG_TIME const earliest = total.time - BIG_TIME(total.cut_down, BIG_TIME::UNIT_PS);
     if (!(period < latest)) {
         return VERDICT::MET;
     }
-    return period < earliest ? VERDICT::VIOLATED : VERDICT::UNDECIDED;
+    // A total of whole picoseconds that is above the whole picoseconds of the period is above all
+    // of it. One that was cut is truly above `earliest`, which then may be the period itself.
+    bool const is_cut = !total.loss.empty();
+    bool const is_above =
+        period < earliest || (is_cut && clock.rest().empty() && earliest == period);
+    return is_above ? VERDICT::VIOLATED : VERDICT::UNDECIDED;
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -129,7 +132,7 @@ void PATH_REPORT::write_line(std::string_view delay, DELAY const& sum, HOP const
 }
 
 void PATH_REPORT::write_total(DELAY const& total, std::string& out) {
-    VERDICT const verdict = verdict_of(total, m_clock.period());
+    VERDICT const verdict = verdict_of(total, m_clock);
     ++m_counts.paths;
     ++(verdict == VERDICT::MET        ? m_counts.met
        : verdict == VERDICT::VIOLATED ? m_counts.violated

@@ -43,7 +43,7 @@ enum class VERDICT {
 };
 
 /// The verdict for a path's sum.
-VERDICT verdict_of(DELAY const& total, BIG_TIME const& period);
+VERDICT verdict_of(DELAY const& total, CLOCK const& clock);
 
 /// What a report adds up.
 struct PATH_COUNTS {
