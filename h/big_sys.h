@@ -158,6 +158,8 @@ public:
     BIG_TIME(std::string const& number_text, TIME_UNIT unit, bool post_messages);
     BIG_TIME(std::string const& number_text, std::string const& unit_text, bool post_messages);
     BIG_TIME(std::string const& text, bool post_messages);
+    /// A number's text and a unit's without post_messages: the unit would be taken for it.
+    BIG_TIME(std::string const& number_text, char const* unit_text) = delete;
 
     /// Reads a decimal number in a unit: an optional sign, digits with at most one point, and
     /// digits finer than the unit holds are cut off. The last form reads number and unit from one
@@ -170,6 +172,7 @@ public:
     bool set_time(std::string const& number_text, TIME_UNIT unit, bool post_messages);
     bool set_time(std::string const& number_text, std::string const& unit_text, bool post_messages);
     bool set_time(std::string const& text, bool post_messages);
+    bool set_time(std::string const& number_text, char const* unit_text) = delete;
 
     /// set_time(text, true), whose result is dropped.
     BIG_TIME& operator=(std::string const& text);
