@@ -142,11 +142,9 @@ public:
     BIG_TIME(long long value, TIME_UNIT unit);
     BIG_TIME(long long value, std::string const& unit_text);
 
-    /// Holds a number of units. A unit outside 0 to 14, or a text that names none, returns false
-    /// and changes nothing. Internal errors are those of compute_storage_number().
-    ///
-    /// @param value     the number, scaled into the storage unit
-    /// @param unit_text a unit's name in any letter case; blank for UNIT_NONE
+    /// Holds a number of units, scaled into the storage unit. A unit text is a unit's name in any
+    /// letter case, or blank for UNIT_NONE. A unit outside 0 to 14, or a text that names none,
+    /// returns false and changes nothing. Internal errors are those of compute_storage_number().
     bool set_time(long long value, TIME_UNIT unit);
     bool set_time(long long value, std::string const& unit_text);
 
@@ -163,9 +161,9 @@ public:
 
     /// Reads a decimal number in a unit: an optional sign, digits with at most one point, and
     /// digits finer than the unit holds are cut off. The last form reads number and unit from one
-    /// text: "1.5ns", "-20 ps", "250". Whatever is refused leaves the default state.
+    /// text: "1.5ns", "-20 ps", "250". A unit text is a unit's name in any letter case, or blank
+    /// for UNIT_NONE. Whatever is refused leaves the default state.
     ///
-    /// @param unit_text     a unit's name in any letter case; blank for UNIT_NONE
     /// @param post_messages whether to post message 1 when the text is refused and message 2 when
     ///                      digits other than 0 are cut off
     /// @return whether the text was read
@@ -206,8 +204,7 @@ public:
     /// number or a known unit is not truncated.
     ///
     /// @param text           number and unit; null or empty gives false and leaves truncated_text
-    /// @param truncated_text receives the text as stored if it is truncated, else the text as
-    /// given.
+    /// @param truncated_text receives the text as stored if it is truncated, else as given.
     ///                       A sign of either kind comes back as '-', with the point one place
     ///                       early, and femtoseconds with a point may throw std::out_of_range: both
     ///                       are relied on.
@@ -227,7 +224,10 @@ public:
     ///
     /// Internal errors: "Wrong concept: Negative frequency!" and "Wrong concept: 0 MHz!" for a
     /// negative or zero frequency or data rate; overflow_error() when the result does not fit 64
-    /// bits. @param unit 0 to 14; outside, the internal errors of get_time_unit_string()
+    /// bits.
+    ///
+    /// @param value the number
+    /// @param unit  0 to 14; outside, the internal errors of get_time_unit_string()
     static long long compute_storage_number(long long value, TIME_UNIT unit);
 
     /// The stored count; for a frequency other than 0 its period in picoseconds, cut toward zero.
@@ -301,8 +301,9 @@ public:
     // --- Text ---
 
     /// Places the decimal point for a unit in a text of an optional sign and decimal digits: 5 in
-    /// ns becomes 0.005. Internal error "result_string != NULL" for a null text. @param unit 0 to
-    /// 14; outside, the internal errors of get_time_unit_string()
+    /// ns becomes 0.005. Internal error "result_string != NULL" for a null text.
+    ///
+    /// @param unit 0 to 14; outside, the internal errors of get_time_unit_string()
     void add_decimal(std::string* text, TIME_UNIT unit) const;
 
     /// The number in a unit, rounded half up on the magnitude. A frequency in a time unit prints
@@ -681,6 +682,9 @@ public:
 // ------------------------------------------------------------------------------------------------
 // Common divisors
 // ------------------------------------------------------------------------------------------------
+//
+// An erased 128-bit operand comes back from 0 and from another erased one; with any other number it
+// is the internal error "Underflow", path "big/big_ulong128".
 
 /// The greatest common divisor by repeated subtraction. Two equal operands, two zeros included,
 /// give that operand.
@@ -708,8 +712,8 @@ BIG_API unsigned int big_gcd_binary(unsigned int a, unsigned int b);
 BIG_API long long big_gcd_binary(long long a, long long b);
 BIG_API BIG_ULONG128 big_gcd_binary(BIG_ULONG128 a, BIG_ULONG128 b);
 
-/// Divides both by their greatest common divisor. Two negatives become positive, one keeps its
-/// sign; two zeros stay.
+/// Divides both by their greatest common divisor. Two negatives become positive (but -2^63, which
+/// has no positive counterpart, stays negative), one keeps its sign; two zeros stay.
 BIG_API void big_suppress_gcd(long long& numerator, long long& denominator);
 
 // ------------------------------------------------------------------------------------------------

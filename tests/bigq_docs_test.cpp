@@ -17,6 +17,10 @@ TEST(BigqDocs, ExamplesOfTheSamplesAreTrue) {
     expect_true_examples(examples_of_page("examples/README.md"), 1, BIG_SOURCE_ROOT "/examples");
 }
 
+TEST(BigqDocs, ExamplesOfTheReadmeAreTrue) {
+    expect_true_examples(examples_of_page("README.md"), 2, BIG_SOURCE_ROOT);
+}
+
 TEST(BigqDocs, ExamplesOfTheHelpAreTrue) {
     std::istringstream help(run_shell("bigq time --help").out);
     expect_true_examples(examples_in(help, "Examples:", "", "  "), 4, "");

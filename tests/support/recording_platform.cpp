@@ -26,6 +26,7 @@ namespace {
 struct STATE {
     std::vector<CALL> calls;
     std::map<std::string, bool> switches;
+    bool echo = false;
 };
 
 STATE& state() {
@@ -39,6 +40,8 @@ std::string text_of(char const* text) {
 
 void record(char const* operation, std::vector<std::string> arguments) {
     state().calls.push_back({operation, std::move(arguments)});
+    if (state().echo)
+        std::fprintf(stderr, "%s\n", testing::PrintToString(state().calls.back()).c_str());
 }
 
 std::string formatted(char const* format, std::va_list args) {
@@ -74,6 +77,10 @@ std::vector<CALL> const& calls() {
 
 void clear() {
     state().calls.clear();
+}
+
+void echo_calls() {
+    state().echo = true;
 }
 
 std::vector<CALL> calls_of(std::string const& operation) {

@@ -25,6 +25,10 @@ void PrintTo(CALL const& call, std::ostream* out);
 std::vector<CALL> const& calls();
 void clear();
 
+/// From now on also writes each call on standard error, one on a line: the only way to see those
+/// that are made when the process ends.
+void echo_calls();
+
 /// The calls of one operation.
 std::vector<CALL> calls_of(std::string const& operation);
 
