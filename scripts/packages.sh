@@ -4,7 +4,7 @@
 PACKAGES_TO_BUILD=(cmake g++ ninja-build libcli11-dev libtomlplusplus-dev)
 # What the tests need beyond that
 PACKAGES_TO_TEST=(clang libclang-rt-dev libgtest-dev libgmock-dev libboost-dev pkgconf locales iverilog
-                  clang-format clang-tidy doxygen)
+                  gtkwave perl clang-format clang-tidy doxygen)
 
 # Installs those of the Debian packages that are missing, as root or with sudo.
 need() {
