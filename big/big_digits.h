@@ -90,8 +90,8 @@ inline std::size_t big_digit_count(unsigned long long value) {
             powers_of_ten[n] = power *= 10;
         return powers_of_ten; // and 0 in front, so that zero has a digit
     }();
-    // 1233 / 2^12 is log10(2), a little less: all but one of the digits that a number of so many
-    // bits has at the least.
+    // A number of b bits has b x log10(2) digits, cut to an integer, or one more; 1233 / 2^12 is
+    // log10(2) closely enough for 64 bits.
     auto const bits = static_cast<std::size_t>(std::bit_width(value | 1));
     std::size_t const digits = bits * 1233 >> 12;
     return digits + (value >= longer_than[digits] ? 1 : 0);

@@ -16,8 +16,10 @@
 #include <cstdarg>
 
 /// Keeps the short members of the public classes as exported symbols, beside compiling them into
-/// their callers.
+/// their callers. A test that takes in a single source file leaves them out.
+#ifndef BIG_INLINE
 #define BIG_INLINE [[gnu::used]] inline
+#endif
 
 /// Reports an internal error whose text is the condition as written, unless the condition holds.
 /// The text is what callers and tests see, so the spelling of a condition is part of the contract.

@@ -3,3 +3,1070 @@
 #define BIG_SOURCE_PATH "big/big_radix"
 
 static MEM_INITIALIZER s_mem_initializer("BIG");
+
+// Bit vectors in every radix.
+//
+// A conversion reads its source into binary digits, most significant first, fits these to the
+// width, and writes them in the target radix:
+//
+//     source      radix   binary digits   width 8      hexadecimal   unsigned   ASCII
+//     1F          hex     00011111        00011111     1F            31         [31]
+//     -1          signed  11              11111111     FF            255        [255]
+//     300         uns.    100101100       00101100     2C            44         ,
+//     1z          oct     001ZZZ          00001ZZZ     X             X
+//     A           ASCII   01000001        01000001     41            65         A
+//
+// A binary digit may be a logic value (X, Z, U, W, -, H, L), which is why digits are characters.
+// Most vectors have none, and those that are or become decimal then go through machine words
+// (convert_number below), never becoming digits at all.
+
+#include "big_radix.h"
+
+#include "big_radix_digits.h"
+#include "big_natural.h"
+#include "gen_sys.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <string_view>
+
+#include <locale.h>
+
+using big_digits::BITS_PER_WORD;
+using big_natural::BINARY;
+using big_natural::DECIMAL;
+using big_natural::WORD;
+
+// ------------------------------------------------------------------------------------------------
+// Tables
+// ------------------------------------------------------------------------------------------------
+
+namespace {
+constexpr char HEX_DIGITS[] = "0123456789ABCDEF";
+}
+
+char const* BIG_BINMAP = "01";
+char const* BIG_OCTMAP = "01234567";
+char const* BIG_HEXMAP = HEX_DIGITS;
+char const* BIG_SIGNED_DECMAP = "0123456789-";
+char const* BIG_UNSIGNED_DECMAP = "0123456789";
+char const* BIG_FRAC_FIX_POINTMAP = "0123456789-.E";
+
+constexpr char const* const big_oct_string[9] = {"000", "001", "010", "011", "100",
+                                                 "101", "110", "111", "XXX"};
+
+constexpr char const* const big_hex_string[17] = {"0000", "0001", "0010", "0011", "0100", "0101",
+                                                  "0110", "0111", "1000", "1001", "1010", "1011",
+                                                  "1100", "1101", "1110", "1111", "XXXX"};
+
+namespace {
+
+constexpr char upper_case(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+}
+
+constexpr std::size_t index_of(char c) {
+    return static_cast<unsigned char>(c);
+}
+
+/// Resizes a string that is about to be overwritten. Repeated conversions of one width find their
+/// result as long as it must be, and then this is all they pay.
+[[gnu::noinline]] void resize(std::string* text, std::size_t size) {
+    text->resize(size);
+}
+inline void make_room(std::string* text, std::size_t size) {
+    if (text->size() != size)
+        resize(text, size);
+}
+
+/// What a character is as a binary digit: a set, so that the sets of a group's digits, intersected,
+/// say what they have in common. An illegal character is nothing.
+enum DIGIT_KIND : unsigned char {
+    ILLEGAL_DIGIT = 0,
+    LOGIC_DIGIT = 1,    ///< times 2^i, for LOGIC_VALUES[i]
+    NUMBER_DIGIT = 128, ///< 0 and 1
+};
+constexpr std::string_view LOGIC_VALUES = "Z-UWHLX";
+
+constexpr std::array<unsigned char, 256> DIGIT_KINDS = [] {
+    std::array<unsigned char, 256> kinds{};
+    for (std::size_t c = 0; c < kinds.size(); ++c) {
+        std::size_t const i = LOGIC_VALUES.find(upper_case(static_cast<char>(c)));
+        if (i != std::string_view::npos)
+            kinds[c] = static_cast<unsigned char>(LOGIC_DIGIT << i);
+    }
+    kinds['0'] = kinds['1'] = NUMBER_DIGIT;
+    return kinds;
+}();
+
+} // namespace
+
+// ------------------------------------------------------------------------------------------------
+// Legality and characters
+// ------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// Whether a text, in upper case, has only the given characters.
+bool has_only(std::string const& source, char const* characters) {
+    std::array<bool, 256> allowed{};
+    for (; *characters != '\0'; ++characters)
+        allowed[index_of(*characters)] = true;
+    return std::all_of(source.begin(), source.end(),
+                       [&](char c) { return allowed[index_of(upper_case(c))]; });
+}
+
+} // namespace
+
+bool big_string_is_legal(std::string const& source, BIG_RADIX radix) {
+    BIG_REQUIRE(source.size() > 0);
+    switch (radix) {
+    case BIG_BIN: return has_only(source, BIG_BINMAP);
+    case BIG_OCT: return has_only(source, BIG_OCTMAP);
+    case BIG_HEX: return has_only(source, BIG_HEXMAP);
+    case BIG_SIGNED_DEC: return has_only(source, BIG_SIGNED_DECMAP);
+    case BIG_UNSIGNED_DEC: return has_only(source, BIG_UNSIGNED_DECMAP);
+    case BIG_FRAC_FIX_POINT: return has_only(source, BIG_FRAC_FIX_POINTMAP);
+    case BIG_ASCII: return std::all_of(source.begin(), source.end(), big_char_is_printable);
+    }
+    BIG_FAIL("Invalid radix.");
+}
+
+bool big_char_is_printable(char c) {
+    return static_cast<unsigned char>(c - 32) < 95;
+}
+
+std::string big_get_ascii_char_value(char c) {
+    std::string digits(8, '0');
+    big_digits::store_characters(big_digits::eight_bit_characters(index_of(c)), digits.data());
+    return digits;
+}
+
+bool value_is_fractional_readable(std::string value) {
+    stl_toupper(value);
+    return value.find_first_of("XZHL") == std::string::npos;
+}
+
+void big_complement(std::string* bits) {
+    std::size_t const lowest = bits->rfind('1');
+    if (lowest == std::string::npos)
+        return;
+    for (std::size_t i = 0; i < lowest; ++i)
+        (*bits)[i] = (*bits)[i] == '1' ? '0' : '1';
+}
+
+// ------------------------------------------------------------------------------------------------
+// Numbers
+// ------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// A natural number in one machine word.
+class SHORT_NUMBER {
+public:
+    WORD* allocate(std::size_t) { return &m_word; }
+    void set_size(std::size_t) {}
+
+    WORD const* words() const { return &m_word; }
+    std::size_t used() const { return m_word != 0; }
+    std::size_t bit_length() const { return static_cast<std::size_t>(std::bit_width(m_word)); }
+    bool has_bit(std::size_t i) const { return i < BITS_PER_WORD && (m_word >> i & 1) != 0; }
+    bool is_power_of_two() const { return std::has_single_bit(m_word); }
+
+    void truncate(std::size_t bits) {
+        if (bits < BITS_PER_WORD)
+            m_word &= (WORD{1} << bits) - 1;
+    }
+    void complement(std::size_t bits) { // at most 64
+        m_word = 0 - m_word;
+        truncate(bits);
+    }
+
+private:
+    WORD m_word = 0;
+};
+
+/// A natural number of any size in machine words, least significant first. One of up to 2048 bits
+/// needs no memory of its own.
+class NUMBER {
+public:
+    /// Makes room for words, whose content is then undefined.
+    WORD* allocate(std::size_t count) {
+        if (count > OWN_WORDS) {
+            m_long = std::make_unique_for_overwrite<WORD[]>(count);
+            m_words = m_long.get();
+        }
+        return m_words;
+    }
+
+    /// Says how many words the number has, zeros at the upper end included.
+    void set_size(std::size_t count) { m_used = big_natural::limbs_in_use(m_words, count); }
+
+    WORD const* words() const { return m_words; }
+    std::size_t used() const { return m_used; }
+
+    /// The number's bits, 0 for the number 0.
+    std::size_t bit_length() const {
+        return m_used == 0 ? 0
+                           : m_used * BITS_PER_WORD
+                                 - static_cast<std::size_t>(std::countl_zero(m_words[m_used - 1]));
+    }
+
+    bool has_bit(std::size_t i) const {
+        return i / BITS_PER_WORD < m_used
+               && (m_words[i / BITS_PER_WORD] >> i % BITS_PER_WORD & 1) != 0;
+    }
+
+    bool is_power_of_two() const {
+        return m_used != 0 && std::has_single_bit(m_words[m_used - 1])
+               && big_natural::limbs_in_use(m_words, m_used - 1) == 0;
+    }
+
+    /// Keeps the lowest bits.
+    void truncate(std::size_t bits) {
+        std::size_t const whole = bits / BITS_PER_WORD;
+        if (whole >= m_used)
+            return;
+        m_words[whole] &= (WORD{1} << bits % BITS_PER_WORD) - 1;
+        set_size(whole + 1);
+    }
+
+    /// Becomes 2^bits less itself. It must be below 2^bits and not 0.
+    void complement(std::size_t bits) {
+        std::size_t const count = (bits - 1) / BITS_PER_WORD + 1;
+        extend(count);
+        bool carry = true;
+        for (std::size_t i = 0; i < count; ++i)
+            m_words[i] = BINARY::add(~m_words[i], 0, carry);
+        m_used = count;
+        truncate(bits);
+        set_size(m_used);
+    }
+
+private:
+    static constexpr std::size_t OWN_WORDS = 36; ///< 2048 bits in either base
+
+    /// Writes zeros above the words in use, up to a number of words.
+    void extend(std::size_t count) {
+        if (count > OWN_WORDS && count > m_used) {
+            auto longer = std::make_unique_for_overwrite<WORD[]>(count);
+            std::copy_n(m_words, m_used, longer.get());
+            m_long = std::move(longer);
+            m_words = m_long.get();
+        }
+        std::fill(m_words + m_used, m_words + count, WORD{0});
+    }
+
+    WORD m_own[OWN_WORDS];
+    std::unique_ptr<WORD[]> m_long;
+    WORD* m_words = m_own;
+    std::size_t m_used = 0;
+};
+
+/// Reads binary digits, all 0 or 1.
+template <class VALUE>
+bool read_bits(std::string_view digits, VALUE& value) {
+    std::size_t const count = (digits.size() + BITS_PER_WORD - 1) / BITS_PER_WORD;
+    if (!big_digits::read_bits(digits.data(), digits.size(), value.allocate(count)))
+        return false;
+    value.set_size(count);
+    return true;
+}
+
+/// Reads hexadecimal digits without logic values.
+template <class VALUE>
+bool read_hex(std::string_view digits, VALUE& value) {
+    std::size_t const count = (digits.size() + 15) / 16;
+    if (!big_digits::read_hex(digits.data(), digits.size(), value.allocate(count)))
+        return false;
+    value.set_size(count);
+    return true;
+}
+
+/// Reads decimal digits without logic values, at least one.
+bool read_decimal(std::string_view digits, SHORT_NUMBER& value) {
+    return big_digits::read_decimal_digits(digits.data(), digits.size(), *value.allocate(1));
+}
+
+bool read_decimal(std::string_view digits, NUMBER& value) {
+    using namespace big_natural;
+    digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size() - 1));
+    std::size_t const count = (digits.size() + DIGITS_PER_LIMB - 1) / DIGITS_PER_LIMB;
+    NUMBER limbs;
+    WORD* const target = limbs.allocate(count);
+    if (!big_digits::read_decimal(digits.data(), digits.size(), target))
+        return false;
+    value.set_size(change_base<BINARY>(target, count, value.allocate(limbs_for<BINARY>(count))));
+    return true;
+}
+
+/// Writes a number in decimal into *result from a place on, which ends the result.
+///
+/// @param digits limbs of base 10^19, but a single one may be any word
+void write_limbs(WORD const* digits, std::size_t count, bool has_minus, std::string* result,
+                 std::size_t at) {
+    using big_natural::DIGITS_PER_LIMB;
+    WORD const top = count == 0 ? 0 : digits[count - 1];
+    std::size_t const top_length = big_digits::decimal_length(top);
+    std::size_t const others = count == 0 ? 0 : count - 1;
+
+    make_room(result, at + has_minus + top_length + DIGITS_PER_LIMB * others);
+    char* text = result->data() + at;
+    if (has_minus)
+        *text++ = '-';
+    big_digits::write_decimal_digits(top, top_length, text);
+    text += top_length;
+    for (std::size_t i = others; i-- > 0; text += DIGITS_PER_LIMB)
+        big_digits::write_decimal_digits(digits[i], DIGITS_PER_LIMB, text);
+}
+
+void write_decimal(SHORT_NUMBER const& value, bool has_minus, std::string* result, std::size_t at) {
+    write_limbs(value.words(), value.used(), has_minus, result, at);
+}
+
+void write_decimal(NUMBER const& value, bool has_minus, std::string* result, std::size_t at) {
+    using namespace big_natural;
+    if (value.used() <= 1)
+        return write_limbs(value.words(), value.used(), has_minus, result, at);
+    NUMBER limbs;
+    WORD* const digits = limbs.allocate(limbs_for<DECIMAL>(value.used()));
+    std::size_t const count = change_base<DECIMAL>(value.words(), value.used(), digits);
+    write_limbs(digits, count, has_minus, result, at);
+}
+
+} // namespace
+
+// ------------------------------------------------------------------------------------------------
+// Into binary digits
+// ------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// The binary digits of each character of a radix, WIDTH of them, in memory order. Those of an
+/// illegal character are marked in their top bits.
+using PATTERNS = std::array<std::array<char, 4>, 256>;
+constexpr char MARK = static_cast<char>(0x80);
+
+template <std::size_t WIDTH>
+constexpr PATTERNS patterns_of(std::string_view radix_digits, char const* const* digit_strings) {
+    PATTERNS patterns{};
+    for (std::size_t c = 0; c < patterns.size(); ++c) {
+        char const folded = upper_case(static_cast<char>(c));
+        std::size_t const digit = radix_digits.find(folded);
+        for (std::size_t i = 0; i < WIDTH; ++i) {
+            if (LOGIC_VALUES.find(folded) != std::string_view::npos)
+                patterns[c][i] = folded;
+            else if (digit != std::string_view::npos)
+                patterns[c][i] = digit_strings[digit][i];
+            else
+                patterns[c][i] = static_cast<char>(digit_strings[radix_digits.size()][i] | MARK);
+        }
+    }
+    return patterns;
+}
+
+constexpr char const* const BIN_STRING[3] = {"0", "1", "X"};
+constexpr PATTERNS BIN_PATTERNS = patterns_of<1>("01", BIN_STRING);
+constexpr PATTERNS OCT_PATTERNS = patterns_of<3>("01234567", big_oct_string);
+constexpr PATTERNS HEX_PATTERNS = patterns_of<4>(HEX_DIGITS, big_hex_string);
+
+[[gnu::noinline]] void clear_marks(char* begin, char const* end) {
+    for (; begin != end; ++begin)
+        *begin = static_cast<char>(*begin & ~MARK);
+}
+
+/// Writes the digits of every character into *result from a place on, which ends the result.
+/// Returns whether all were legal.
+template <std::size_t WIDTH>
+bool write_patterns(std::string const& source, std::string* result, std::size_t at,
+                    PATTERNS const& patterns) {
+    std::size_t const count = source.size();
+    make_room(result, at + WIDTH * count);
+    char const* in = source.data(); // after the resizing, as it may be the same string
+    char const* const end = in + count;
+    char* out = result->data() + at;
+    std::size_t marks = 0;
+    while (in != end) {
+        if constexpr (WIDTH == 1) {
+            for (WORD characters = 0;
+                 end - in >= 8
+                 && big_digits::are_bits(characters = big_digits::load_characters(in));
+                 in += 8, out += 8)
+                big_digits::store_characters(characters, out);
+            if (in == end)
+                break;
+        }
+        auto const& digits = patterns[index_of(*in++)];
+        std::memcpy(out, digits.data(), WIDTH);
+        out += WIDTH;
+        marks |= index_of(digits[0]);
+    }
+    if ((marks & index_of(MARK)) == 0) [[likely]]
+        return true;
+    clear_marks(result->data() + at, out);
+    return false;
+}
+
+} // namespace
+
+bool big_bin_to_binary(std::string const& source, std::string* result) {
+    return write_patterns<1>(source, result, result->size(), BIN_PATTERNS);
+}
+
+bool big_oct_to_binary(std::string const& source, std::string* result) {
+    return write_patterns<3>(source, result, result->size(), OCT_PATTERNS);
+}
+
+bool big_hex_to_binary(std::string const& source, std::string* result) {
+    return write_patterns<4>(source, result, result->size(), HEX_PATTERNS);
+}
+
+namespace {
+
+/// What a decimal text, without its sign, stands for.
+enum DECIMAL_KIND { NOT_DECIMAL, DECIMAL_NUMBER, DECIMAL_UNKNOWN, DECIMAL_HIGH_IMPEDANCE };
+
+DECIMAL_KIND decimal_kind(std::string_view digits) {
+    std::size_t unknown = 0;
+    std::size_t high_impedance = 0;
+    for (char const c : digits) {
+        switch (upper_case(c)) {
+        case 'X':
+        case 'U':
+        case 'W':
+        case '-': ++unknown; break;
+        case 'Z': ++high_impedance; break;
+        case 'H':
+        case 'L': break;
+        default:
+            if (c < '0' || c > '9')
+                return NOT_DECIMAL;
+        }
+    }
+    if (high_impedance == digits.size())
+        return DECIMAL_HIGH_IMPEDANCE;
+    return unknown + high_impedance == 0 ? DECIMAL_NUMBER : DECIMAL_UNKNOWN;
+}
+
+/// A decimal text with its H and L as the digits 1 and 0.
+std::string with_levels_as_digits(std::string_view digits) {
+    std::string plain(digits);
+    for (char& c : plain) {
+        char const folded = upper_case(c);
+        c = folded == 'H' ? '1' : folded == 'L' ? '0' : c;
+    }
+    return plain;
+}
+
+/// Takes the sign off a decimal text. Only a signed one has any.
+bool take_sign(std::string_view& digits, bool is_signed) {
+    bool const is_negative = is_signed && !digits.empty() && digits.front() == '-';
+    digits.remove_prefix(is_negative);
+    return is_negative;
+}
+
+} // namespace
+
+bool big_dec_to_binary(std::string const& source, std::string* result, bool is_signed) {
+    std::string_view digits = source;
+    bool const is_negative = take_sign(digits, is_signed);
+    NUMBER number;
+    if (digits.empty() || !read_decimal(digits, number)) {
+        switch (decimal_kind(digits)) {
+        case NOT_DECIMAL: return false;
+        case DECIMAL_UNKNOWN: result->push_back('X'); return true;
+        case DECIMAL_HIGH_IMPEDANCE: result->push_back('Z'); return true;
+        case DECIMAL_NUMBER: read_decimal(with_levels_as_digits(digits), number); break;
+        }
+    }
+
+    std::size_t const count = std::max<std::size_t>(number.bit_length(), 1) + is_signed;
+    if (is_negative && number.used() != 0)
+        number.complement(count);
+    std::size_t const begin = result->size();
+    result->resize(begin + count);
+    big_digits::write_bits(number.words(), number.used(), count, result->data() + begin);
+    return true;
+}
+
+namespace {
+
+/// A code between brackets in an ASCII text: the byte it stands for.
+struct ASCII_CODE {
+    BIG_ASCII_CHECK_RESULT check;
+    WORD number;
+};
+
+/// Reads a code: decimal digits, or one blank of any kind, which is a space.
+ASCII_CODE read_ascii_code(std::string_view code) {
+    if (code.size() == 1 && (code[0] == ' ' || (code[0] >= '\t' && code[0] <= '\r')))
+        return {BIG_ASCII_OK, ' '};
+    if (!std::all_of(code.begin(), code.end(), [](char c) { return c >= '0' && c <= '9'; }))
+        return {BIG_ASCII_BAD_CODE, 0};
+    // Only the lower 32 bits of the number, which stays at the largest one when it is too large,
+    // are compared with 255: 4294967361 = 2^32 + 65 is accepted, with all its digits.
+    long long number = std::numeric_limits<long long>::max();
+    std::from_chars(code.data(), code.data() + code.size(), number);
+    bool const fits = static_cast<unsigned int>(number) <= 255;
+    return {fits ? BIG_ASCII_OK : BIG_ASCII_CODE_TOO_LARGE, static_cast<WORD>(number)};
+}
+
+} // namespace
+
+// The text is a sequence of
+//
+//     \[  \\  \]         the character after the backslash
+//     [ digits ]         the byte of that number
+//     [ blank ]          a space
+//     a printable one    itself; not [ or ], but ] after an escaped backslash, which counts as
+//     escaped any other byte     NUL, with a debug message
+bool big_ascii_to_binary(std::string const& source, std::string* result,
+                         BIG_ASCII_CHECK_RESULT* check, bool emit) {
+    *check = BIG_ASCII_OK;
+    std::size_t const count = source.size();
+    std::size_t size = result->size();
+    if (emit)
+        result->resize(size + 8 * count); // no character and no code gives more than 8 digits each
+    std::string_view const text(source.data(), count);
+
+    auto const append = [&](WORD number) {
+        std::size_t const digits = std::max<std::size_t>(8, std::bit_width(number));
+        if (emit)
+            big_digits::write_bits(&number, 1, digits, result->data() + size);
+        size += emit ? digits : 0;
+    };
+    auto const stop = [&](BIG_ASCII_CHECK_RESULT why) {
+        *check = why;
+        result->resize(size);
+        return why == BIG_ASCII_OK;
+    };
+
+    for (std::size_t i = 0; i < count; ++i) {
+        char const c = text[i];
+        if (!big_char_is_printable(c)) {
+            mem_msg_vdebug("Default non printable character to NULL");
+            append(0);
+        } else if (c == '\\') {
+            ++i;
+            if (i == count || (text[i] != '[' && text[i] != '\\' && text[i] != ']'))
+                return stop(BIG_ASCII_BAD_ESCAPE);
+            append(index_of(text[i]));
+        } else if (c == '[') {
+            std::size_t const end = text.find(']', i);
+            if (end == std::string_view::npos)
+                return stop(BIG_ASCII_UNTERMINATED_CODE);
+            if (end == i + 1)
+                return stop(BIG_ASCII_EMPTY_CODE);
+            std::string_view const code = text.substr(i + 1, end - i - 1);
+            ASCII_CODE const read = read_ascii_code(code);
+            if (read.check != BIG_ASCII_OK) {
+                *result = std::string(code);
+                size = result->size();
+                return stop(read.check);
+            }
+            append(read.number);
+            i = end;
+        } else if (c == ']' && (i == 0 || text[i - 1] != '\\')) {
+            return stop(BIG_ASCII_UNMATCHED_BRACKET);
+        } else {
+            append(index_of(c));
+        }
+    }
+    return stop(BIG_ASCII_OK);
+}
+
+bool big_validate_ascii_string(std::string const& source, std::string* result,
+                               BIG_ASCII_CHECK_RESULT* check) {
+    return big_ascii_to_binary(source, result, check, false);
+}
+
+namespace {
+
+/// Reads a number as strtod() does in the "C" locale, whatever the process locale: leading blanks,
+/// what follows the number, hexadecimal numbers and the names of infinity included.
+double read_double(std::string const& text) {
+    static locale_t const c_locale = newlocale(LC_ALL_MASK, "C", nullptr);
+    return strtod_l(text.c_str(), nullptr, c_locale);
+}
+
+/// The weight of the highest bit of a fixed-point number; a width of 0 has one binary place less
+/// than none.
+double fixed_point_scale(unsigned int width) {
+    return std::pow(2.0, static_cast<int>(width - 1));
+}
+
+/// Converts a fixed-point number. Returns false when it does not fit 64 bits.
+bool fixed_point_to_binary(std::string const& source, std::string* result, unsigned int width) {
+    double const scaled = read_double(source) * fixed_point_scale(width);
+    if (!(scaled >= -0x1p63 && scaled < 0x1p63)) // not a number compares false
+        return false;
+    std::string text;
+    MEM_DETAIL::stl_raw_sprintf(&text, "%lli", static_cast<long long>(scaled));
+    return big_dec_to_binary(text, result, true);
+}
+
+/// How many digits in front say nothing: zeros above the first other digit, and repetitions of any
+/// other first digit but 1. A string of one such digit throughout keeps two of them, on which
+/// callers rely.
+std::size_t redundant_digits(std::string const& digits) {
+    std::size_t const count = digits.size();
+    if (count < 2 || digits[0] == '1')
+        return 0;
+    std::size_t const run = std::min(digits.find_first_not_of(digits[0]), count);
+    if (digits[0] == '0')
+        return std::min(run, count - 1);
+    return run == count ? count - 2 : run - 1;
+}
+
+/// The digit that fills the front of a number: its sign, an unknown digit, or 0.
+char filling_digit(std::string const& digits, bool is_signed) {
+    char const first = digits.empty() ? '0' : digits[0];
+    if (is_signed && first == '1')
+        return '1';
+    return std::string_view("-UWXZ").find(first) != std::string_view::npos ? first : '0';
+}
+
+/// Whether a signed number is the lowest one of its width, written with one digit more: 110..0. The
+/// last digit is not looked at, which cannot matter.
+bool is_lowest_of_width(std::string const& digits, unsigned int width) {
+    return digits.size() == std::size_t{width} + 1 && digits[0] == '1' && digits[1] == '1'
+           && digits.find_first_not_of('0', 2) >= digits.size() - 1;
+}
+
+/// Fits binary digits to a width, at the most significant end:
+///
+///                      shorter                        longer
+///     signed           filled with the first digit    cut off
+///     ASCII            filled with 0                  cut off
+///     others           filled with the first digit    redundant digits go first,
+///                      if -, U, W, X or Z, else 0     then cut off
+///
+/// Returns 2 when digits were cut off, else 0.
+unsigned int fit_to_width(std::string* digits, BIG_RADIX radix, unsigned int width) {
+    bool const is_signed = radix == BIG_SIGNED_DEC || radix == BIG_FRAC_FIX_POINT;
+    if (digits->size() == width)
+        return 0;
+    if (!is_signed && radix != BIG_ASCII)
+        digits->erase(0, redundant_digits(*digits));
+    if (width == 0 || digits->size() == width)
+        return 0;
+    if (digits->size() < width) {
+        digits->insert(0, width - digits->size(), filling_digit(*digits, is_signed));
+        return 0;
+    }
+    bool const is_exact = is_signed && is_lowest_of_width(*digits, width);
+    digits->erase(0, digits->size() - width);
+    return is_exact ? 0 : 2;
+}
+
+} // namespace
+
+unsigned int big_convert_to_binary(std::string const& source, std::string* result, BIG_RADIX radix,
+                                   unsigned int width) {
+    bool is_legal = false;
+    switch (radix) {
+    case BIG_BIN: is_legal = big_bin_to_binary(source, result); break;
+    case BIG_OCT: is_legal = big_oct_to_binary(source, result); break;
+    case BIG_HEX: is_legal = big_hex_to_binary(source, result); break;
+    case BIG_SIGNED_DEC: is_legal = big_dec_to_binary(source, result, true); break;
+    case BIG_UNSIGNED_DEC: is_legal = big_dec_to_binary(source, result, false); break;
+    case BIG_FRAC_FIX_POINT: is_legal = fixed_point_to_binary(source, result, width); break;
+    case BIG_ASCII: {
+        BIG_ASCII_CHECK_RESULT check = BIG_ASCII_OK;
+        is_legal = big_ascii_to_binary(source, result, &check, true);
+        break;
+    }
+    default: BIG_FAIL("Invalid radix.");
+    }
+    return is_legal ? fit_to_width(result, radix, width) : 1;
+}
+
+// ------------------------------------------------------------------------------------------------
+// Arithmetic on vectors of decimal digits
+// ------------------------------------------------------------------------------------------------
+
+int big_divide_dec_by_two(std::vector<int>* digits) {
+    bool quotient_is_not_zero = false;
+    int remainder = 0;
+    for (int& digit : *digits) {
+        int const dividend = digit + 10 * remainder;
+        digit = dividend / 2;
+        remainder = dividend % 2;
+        quotient_is_not_zero = quotient_is_not_zero || digit != 0;
+    }
+    return quotient_is_not_zero;
+}
+
+namespace {
+
+/// Brings a digit of a sum below 10 and returns the carry.
+int carry_of(int& digit) {
+    int const carry = digit > 9;
+    digit -= 10 * carry;
+    return carry;
+}
+
+} // namespace
+
+void big_multiply_dec_by_two(std::vector<int>* digits) {
+    int carry = 0;
+    for (int& digit : *digits) {
+        digit = 2 * digit + carry;
+        carry = carry_of(digit);
+    }
+    if (carry != 0)
+        digits->push_back(1);
+}
+
+void big_add_vectors(std::vector<int>* sum, std::vector<int>* addend) {
+    if (sum->size() < addend->size())
+        sum->resize(addend->size(), 0);
+    int carry = 0;
+    for (std::size_t i = 0; i < sum->size(); ++i) {
+        int& digit = (*sum)[i];
+        digit += (*addend)[i] + carry;
+        carry = carry_of(digit);
+    }
+    if (carry != 0)
+        sum->push_back(1);
+}
+
+// ------------------------------------------------------------------------------------------------
+// Out of binary digits
+// ------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// The digit of a group: its number, the logic value of all its digits, or X. Notes when one of its
+/// characters is no binary digit.
+[[gnu::noinline]] char digit_of(char const* group, std::size_t bits, bool& is_legal) {
+    unsigned common = 0xFF;
+    unsigned number = 0;
+    for (std::size_t i = 0; i < bits; ++i) {
+        unsigned const kind = DIGIT_KINDS[index_of(group[i])];
+        is_legal = is_legal && kind != ILLEGAL_DIGIT;
+        common &= kind;
+        number = number << 1 | (index_of(group[i]) & 1);
+    }
+    if (common == NUMBER_DIGIT)
+        return BIG_HEXMAP[number];
+    return common == 0 ? 'X' : LOGIC_VALUES[static_cast<std::size_t>(std::countr_zero(common))];
+}
+
+/// The same for a whole group.
+template <std::size_t BITS>
+char digit_of(char const* group, bool& is_legal) {
+    WORD const characters = big_digits::load_characters<BITS>(group);
+    if (big_digits::are_bits<BITS>(characters))
+        return BIG_HEXMAP[big_digits::number_of_bits<BITS>(characters)];
+    return digit_of(group, BITS, is_legal);
+}
+
+/// Writes the digits of many groups without logic values at once, over the binary digits if they
+/// begin at the same place. Returns false, with nothing written, when there are any.
+template <std::size_t BITS>
+constexpr std::size_t MANY = BITS == 4 ? 64 : 8 * BITS;
+
+template <std::size_t BITS>
+bool write_many_groups(char const* binary, char* out) {
+    if constexpr (BITS == 4) {
+        return BIG_HEXMAP == HEX_DIGITS && big_digits::write_64_bits_as_hex(binary, out);
+    } else {
+        WORD number = 0;
+        for (std::size_t i = 0; i < BITS; ++i) {
+            WORD const characters = big_digits::load_characters(binary + 8 * i);
+            if (!big_digits::are_bits(characters))
+                return false;
+            number = number << 8 | big_digits::number_of_bits(characters);
+        }
+        for (std::size_t i = 0; i < 8; ++i)
+            out[i] = BIG_HEXMAP[number >> BITS * (7 - i) & ((1 << BITS) - 1)];
+        return true;
+    }
+}
+
+/// Writes the digit of each group, the first of which may be shorter. They may be written over the
+/// binary digits themselves. Returns whether all of these were legal.
+template <std::size_t BITS>
+bool write_groups(char const* binary, std::size_t count, char* out) {
+    bool is_legal = true;
+    if (std::size_t const first = count % BITS; first != 0) {
+        *out++ = digit_of(binary, first, is_legal);
+        binary += first;
+        count -= first;
+    }
+    while (count != 0) {
+        std::size_t const part = std::min(count, MANY<BITS>);
+        if (part == MANY<BITS> && write_many_groups<BITS>(binary, out)) {
+            out += part / BITS;
+        } else {
+            for (std::size_t i = 0; i < part; i += BITS)
+                *out++ = digit_of<BITS>(binary + i, is_legal);
+        }
+        binary += part;
+        count -= part;
+    }
+    return is_legal;
+}
+
+constexpr std::size_t groups_of(std::size_t count, std::size_t bits) {
+    return (count + bits - 1) / bits;
+}
+
+bool write_groups(char const* binary, std::size_t count, std::size_t bits, char* out) {
+    switch (bits) {
+    case 1: return write_groups<1>(binary, count, out);
+    case 3: return write_groups<3>(binary, count, out);
+    default: return write_groups<4>(binary, count, out);
+    }
+}
+
+} // namespace
+
+bool big_binary_to_number(std::string* binary, std::string* result, int group_bits) {
+    auto const bits = static_cast<std::size_t>(group_bits);
+    std::size_t const count = binary->size();
+    std::size_t const at = result->size();
+    make_room(result, at + groups_of(count, bits));
+    write_groups(binary->data(), count, bits, result->data() + at);
+    return true;
+}
+
+bool big_binary_to_dec(std::string* binary, std::string* result, bool is_signed) {
+    if (binary->empty())
+        return true;
+    NUMBER number;
+    if (!read_bits(*binary, number)) {
+        char const last = binary->back();
+        result->push_back(last == 'Z' || last == 'H' || last == 'L' ? last : 'X');
+        return true;
+    }
+    bool const is_negative = is_signed && binary->front() == '1';
+    if (is_negative)
+        number.complement(binary->size());
+    write_decimal(number, is_negative, result, result->size());
+    return true;
+}
+
+namespace {
+
+/// Writes a fixed-point number in at most 17 significant digits, like printf's "%.17g" in the "C"
+/// locale, as the whole of *result. A text that is no number is appended.
+void write_fixed_point(std::string* binary, std::string* result, unsigned int width) {
+    std::string number;
+    big_binary_to_dec(binary, &number, true);
+    if (!value_is_fractional_readable(number)) {
+        result->append(number);
+        return;
+    }
+    double const value = read_double(number) / fixed_point_scale(width);
+    char text[32]; // sign, 17 digits, point, e-308
+    char* const end =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::general, 17).ptr;
+    result->assign(text, end);
+}
+
+/// Writes a byte for every eight binary digits, in the notation of big_ascii_to_binary(). A digit
+/// other than 1 is a zero bit.
+void write_ascii(std::string const& binary, std::string* result) {
+    std::string code;
+    unsigned byte = 0;
+    for (std::size_t left = binary.size(); left-- > 0;) {
+        byte = (byte << 1 | (binary[binary.size() - 1 - left] == '1')) & 0xFF;
+        if (left % 8 != 0)
+            continue;
+        char const c = static_cast<char>(byte);
+        if (c == ' ') {
+            result->append("[ ]");
+        } else if (!big_char_is_printable(c)) {
+            gen_itoa(static_cast<int>(byte), code, 10);
+            result->append(1, '[').append(code).append(1, ']');
+        } else {
+            if (c == '[' || c == '\\' || c == ']')
+                result->push_back('\\');
+            result->push_back(c);
+        }
+        byte = 0;
+    }
+}
+
+} // namespace
+
+bool big_convert_from_binary(std::string* binary, std::string* result, BIG_RADIX radix,
+                             unsigned int width) {
+    switch (radix) {
+    case BIG_BIN: return big_binary_to_number(binary, result, 1);
+    case BIG_OCT: return big_binary_to_number(binary, result, 3);
+    case BIG_HEX: return big_binary_to_number(binary, result, 4);
+    case BIG_SIGNED_DEC: return big_binary_to_dec(binary, result, true);
+    case BIG_UNSIGNED_DEC: return big_binary_to_dec(binary, result, false);
+    case BIG_FRAC_FIX_POINT: write_fixed_point(binary, result, width); return true;
+    case BIG_ASCII: write_ascii(*binary, result); return true;
+    }
+    BIG_FAIL("Invalid radix.");
+}
+
+// ------------------------------------------------------------------------------------------------
+// The conversion
+// ------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// Reads a source without logic values.
+///
+/// @param count receives the binary digits that it has, in two's complement if it is signed
+template <class VALUE>
+bool read_number(std::string_view source, BIG_RADIX radix, VALUE& value, bool& is_negative,
+                 std::size_t& count) {
+    bool const is_signed = radix == BIG_SIGNED_DEC;
+    is_negative = take_sign(source, is_signed);
+    if (source.empty())
+        return false;
+    bool const is_number = radix == BIG_BIN   ? read_bits(source, value)
+                           : radix == BIG_HEX ? read_hex(source, value)
+                                              : read_decimal(source, value);
+    count = std::max<std::size_t>(value.bit_length(), 1) + is_signed;
+    return is_number;
+}
+
+/// Converts a number to or from decimal, where the binary digits as characters are not needed: a
+/// number fitted to a width is the number modulo 2^width. Returns false, with nothing changed, when
+/// the source has other digits than numbers have.
+template <class VALUE>
+bool convert_value(std::string const& source, std::string* result, BIG_RADIX from, BIG_RADIX to,
+                   unsigned int width, unsigned int& status) {
+    VALUE value;
+    bool is_negative = false;
+    std::size_t count = 0;
+    if (!read_number(source, from, value, is_negative, count))
+        return false;
+
+    // Only -2^(width - 1) fits with a binary digit more than the width.
+    std::size_t const bits = width == 0 ? count : width;
+    bool const is_lowest = is_negative && count == bits + 1 && value.is_power_of_two();
+    status = count > bits && !is_lowest ? 2 : 0;
+    value.truncate(bits);
+
+    // In two's complement of that many bits, a number with the highest bit set is negative; and so
+    // is the magnitude of a negative one, unless it exceeds 2^(bits - 1).
+    bool is_below_zero = value.has_bit(bits - 1);
+    if (is_negative)
+        is_below_zero = value.used() != 0 && (!is_below_zero || value.is_power_of_two());
+    bool const has_minus = to == BIG_SIGNED_DEC && is_below_zero;
+    if (is_negative != has_minus && value.used() != 0)
+        value.complement(bits);
+
+    if (to == BIG_HEX) {
+        std::size_t const digits = groups_of(bits, 4);
+        make_room(result, digits);
+        big_digits::write_hex(value.words(), value.used(), digits, result->data());
+    } else {
+        write_decimal(value, has_minus, result, 0);
+    }
+    return true;
+}
+
+/// The same, in a single word where the source and the width fit one.
+[[gnu::noinline]] bool convert_number(std::string const& source, std::string* result,
+                                      BIG_RADIX from, BIG_RADIX to, unsigned int width,
+                                      unsigned int& status) {
+    std::size_t const longest = from == BIG_BIN ? 64 : from == BIG_HEX ? 16 : 18;
+    if (source.size() <= longest && width <= BITS_PER_WORD)
+        return convert_value<SHORT_NUMBER>(source, result, from, to, width, status);
+    return convert_value<NUMBER>(source, result, from, to, width, status);
+}
+
+bool is_decimal(BIG_RADIX radix) {
+    return radix == BIG_SIGNED_DEC || radix == BIG_UNSIGNED_DEC;
+}
+
+/// Whether convert_number() knows the two radixes.
+bool converts_as_number(BIG_RADIX from, BIG_RADIX to) {
+    if (to == BIG_HEX)
+        return is_decimal(from) && BIG_HEXMAP == HEX_DIGITS;
+    return is_decimal(to) && (is_decimal(from) || from == BIG_BIN || from == BIG_HEX);
+}
+
+/// Converts into binary digits in *result.
+unsigned int convert_to_bits(std::string const& source, std::string* result, BIG_RADIX from,
+                             unsigned int width) {
+    bool is_legal = false;
+    switch (from) {
+    case BIG_BIN: is_legal = write_patterns<1>(source, result, 0, BIN_PATTERNS); break;
+    case BIG_OCT: is_legal = write_patterns<3>(source, result, 0, OCT_PATTERNS); break;
+    case BIG_HEX: is_legal = write_patterns<4>(source, result, 0, HEX_PATTERNS); break;
+    default: result->clear(); return big_convert_to_binary(source, result, from, width);
+    }
+    if (is_legal && result->size() == width) [[likely]]
+        return 0;
+    return is_legal ? fit_to_width(result, from, width) : 1;
+}
+
+/// Converts into binary, octal or hexadecimal digits. Unless they are already there, the binary
+/// digits are made in *result, and then its digits are written over them.
+unsigned int convert_to_digits(std::string const& source, std::string* result, BIG_RADIX from,
+                               BIG_RADIX to, unsigned int width) {
+    std::size_t const bits = to == BIG_BIN ? 1 : to == BIG_OCT ? 3 : 4;
+    std::size_t count = source.size();
+    unsigned int status = 0;
+    if (from == BIG_BIN && to != BIG_BIN && count == width) { // nothing to fit
+        make_room(result, groups_of(count, bits));
+        status = write_groups(source.data(), count, bits, result->data()) ? 0 : 1;
+    } else {
+        status = convert_to_bits(source, result, from, width);
+        count = result->size();
+        if (to != BIG_BIN && status != 1) {
+            write_groups(result->data(), count, bits, result->data());
+            result->resize(groups_of(count, bits));
+        }
+    }
+    if (status == 1)
+        *result = 'X';
+    return status;
+}
+
+/// Converts by way of a string of binary digits.
+[[gnu::noinline]] unsigned int convert_by_bits(std::string const& source, std::string* result,
+                                               BIG_RADIX from, BIG_RADIX to, unsigned int width) {
+    std::string binary;
+    unsigned int const status = big_convert_to_binary(source, &binary, from, width);
+    result->clear();
+    if (status == 1)
+        result->push_back('X');
+    else
+        big_convert_from_binary(&binary, result, to, width);
+    return status;
+}
+
+/// Converts a string that is its own source.
+[[gnu::noinline]] unsigned int convert_in_place(std::string* text, BIG_RADIX from, BIG_RADIX to,
+                                                unsigned int width) {
+    std::string const source = *text;
+    return big_radix_conversion(source, text, from, to, width);
+}
+
+} // namespace
+
+unsigned int big_radix_conversion(std::string const& source, std::string* result, BIG_RADIX from,
+                                  BIG_RADIX to, unsigned int width) {
+    BIG_REQUIRE(source.size() > 0);
+    if (to == BIG_FRAC_FIX_POINT && width > 1024) {
+        result->push_back('X'); // callers rely on what is in front of it
+        return 1;
+    }
+    if (&source == result)
+        return convert_in_place(result, from, to, width);
+    if (from <= BIG_ASCII && to <= BIG_HEX && !(to == BIG_HEX && is_decimal(from)))
+        return convert_to_digits(source, result, from, to, width);
+    unsigned int status = 0;
+    if (converts_as_number(from, to) && convert_number(source, result, from, to, width, status))
+        return status;
+    return convert_by_bits(source, result, from, to, width);
+}

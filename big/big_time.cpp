@@ -314,15 +314,14 @@ bool has_nonzero_digit(std::string_view digits) {
 /// femtoseconds are, comes back as zeros.
 bool cut_to_resolution(std::string& number, int resolution) {
     std::size_t const point = number.find('.');
-    bool const has_point = point != std::string::npos;
-    std::size_t const digits_before_point = has_point ? point : number.size();
+    std::size_t const digits_before_point = std::min(point, number.size());
     int places = 0;
-    if (has_point) {
+    if (point != std::string::npos) {
         places = static_cast<int>(number.size() - point - 1);
         number.erase(point, 1);
     }
     bool truncated = false;
-    if (places > resolution && (has_point || resolution < 0)) {
+    if (places > resolution) { // without a point only for femtoseconds
         auto const drop = static_cast<std::size_t>(places - resolution);
         if (drop >= number.size()) {
             truncated = has_nonzero_digit(number);

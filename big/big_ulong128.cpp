@@ -7,18 +7,18 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 // A value is a length and four cells of 32 bits, least significant first. The length says how many
 // cells are in use; what lies above them is left over from earlier values and is no digit.
 //
-//                        m_length   m_cells[0]   [1]          [2]   [3]
-//     0                  1          0            -            -     -
-//     2^32 + 5           2          5            1            -     -
-//     2^64 - 1           2          4294967295   4294967295   -     -
-//     10^38              4          0            160047680    1518781562   1262177448
-//     erased             0          -            -            -     -
+//                  m_length   m_cells[0]   [1]          [2]          [3]
+//     0            1          0            -            -            -
+//     2^32 + 5     2          5            1            -            -
+//     2^64 - 1     2          4294967295   4294967295   -            -
+//     10^38        4          0            160047680    1518781562   1262177448
+//     erased       0          -            -            -            -
 //
 // The highest cell in use is not 0, except for zero itself: comparisons look at the lengths first
 // and rely on it.
 //
 // Sums, differences, products and comparisons are inline in big_sys.h, on the machine's 128-bit
-// integer. Here are the digits' own rules, which decide the error to report when a result does not
+// integer. Here are the rules cell by cell, which decide the error to report when a result does not
 // fit, and what takes longer: division and text.
 
 #include "big_digits.h"
@@ -129,19 +129,8 @@ DIVISION divide_words(unsigned long long high, unsigned long long low, unsigned 
 
 } // namespace
 
-BIG_ULONG128 BIG_ULONG128::divide_by_word(WIDE dividend, unsigned long long divisor) {
-    unsigned long long const high = static_cast<unsigned long long>(dividend >> 64);
-    unsigned long long const low = static_cast<unsigned long long>(dividend);
-    if (high < divisor)
-        return BIG_ULONG128(divide_words(high, low, divisor).quotient);
-    WIDE const upper = high / divisor;
-    return of(upper << 64 | divide_words(high % divisor, low, divisor).quotient);
-}
-
 BIG_ULONG128 BIG_ULONG128::operator/(unsigned int const& divisor) const {
-    if (divisor == 0)
-        BIG_FAIL("Division by Zero");
-    return divide_by_word(value(), divisor);
+    return *this / BIG_ULONG128(divisor);
 }
 
 BIG_ULONG128 BIG_ULONG128::operator/(BIG_ULONG128 const& divisor) const {
@@ -150,7 +139,15 @@ BIG_ULONG128 BIG_ULONG128::operator/(BIG_ULONG128 const& divisor) const {
         return BIG_ULONG128(static_cast<unsigned long long>(value() / denominator));
     if (denominator == 0) // an erased divisor too, which callers do not pass
         BIG_FAIL("Division by Zero");
-    return divide_by_word(value(), static_cast<unsigned long long>(denominator));
+
+    WIDE const numerator = value();
+    unsigned long long const high = static_cast<unsigned long long>(numerator >> 64);
+    unsigned long long const low = static_cast<unsigned long long>(numerator);
+    unsigned long long const word = static_cast<unsigned long long>(denominator);
+    if (high < word)
+        return BIG_ULONG128(divide_words(high, low, word).quotient);
+    WIDE const upper = high / word;
+    return of(upper << 64 | divide_words(high % word, low, word).quotient);
 }
 
 BIG_ULONG128& BIG_ULONG128::operator/=(BIG_ULONG128 const& divisor) {
@@ -159,21 +156,22 @@ BIG_ULONG128& BIG_ULONG128::operator/=(BIG_ULONG128 const& divisor) {
     return *this = *this / divisor;
 }
 
+// The remainder is *this - quotient x divisor. An erased value has the quotient 0, and nothing can
+// be subtracted from it, not even 0.
 BIG_ULONG128 BIG_ULONG128::operator%(BIG_ULONG128 const& divisor) const {
     WIDE const denominator = divisor.value();
     if (denominator == 0)
         BIG_FAIL("Division by Zero");
-    if (m_length == 0) // erased - 0 x divisor
+    if (m_length == 0)
         report_underflow();
     if (denominator >> 64 != 0)
         return of(value() % denominator);
+
     WIDE const numerator = value();
+    unsigned long long const high = static_cast<unsigned long long>(numerator >> 64);
+    unsigned long long const low = static_cast<unsigned long long>(numerator);
     unsigned long long const word = static_cast<unsigned long long>(denominator);
-    unsigned long long high = static_cast<unsigned long long>(numerator >> 64);
-    if (high >= word)
-        high %= word;
-    return BIG_ULONG128(
-        divide_words(high, static_cast<unsigned long long>(numerator), word).remainder);
+    return BIG_ULONG128(divide_words(high < word ? high : high % word, low, word).remainder);
 }
 
 BIG_ULONG128& BIG_ULONG128::operator%=(BIG_ULONG128 const& divisor) {

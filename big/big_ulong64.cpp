@@ -21,7 +21,9 @@ std::string big_ulong64_to_string(unsigned long long value) {
 
 namespace {
 
-/// The largest number that ten times itself fits 64 bits.
+/// The largest number of which ten times still fit 64 bits. That is all that is asked before a
+/// twentieth digit is added, so that the sum may wrap: 18446744073709551619 reads as 3. Texts have
+/// always been read so, and callers rely on which ones are refused.
 constexpr unsigned long long LARGEST_BEFORE_20TH_DIGIT = ~0ull / 10;
 
 /// Reads what numbers mostly are: 8 to 20 digits, at most one other character in front of them.
@@ -30,8 +32,8 @@ constexpr unsigned long long LARGEST_BEFORE_20TH_DIGIT = ~0ull / 10;
 ///     -12345678901234567    1, 23456789, 01234567
 ///
 /// @param text not empty
-/// @return false, with the number untouched, for any other text and for 20 digits of which the last
-///         has no room
+/// @return false, with the number untouched, for any other text and when there is no room for a
+///         twentieth digit
 bool read_plain_number(std::string const& text, unsigned long long& number) {
     bool const has_sign = text.front() < '0' || text.front() > '9';
     char const* at = text.data() + has_sign;
@@ -78,8 +80,6 @@ unsigned long long big_ulong64_from_string(std::string const& text) {
         if (c < '0' || c > '9')
             continue;
         ++digits_seen;
-        // Nineteen digits always fit. The twentieth is added without a look at its carry, so that
-        // 18446744073709551619 reads as 3: callers rely on what such numbers have always read as.
         if (digits_seen > 20 || (digits_seen == 20 && number > LARGEST_BEFORE_20TH_DIGIT))
             BIG_FAIL("big number over flow");
         number = number * 10 + static_cast<unsigned int>(c - '0');

@@ -158,6 +158,8 @@ public:
     BIG_TIME(std::string const& number_text, TIME_UNIT unit, bool post_messages);
     BIG_TIME(std::string const& number_text, std::string const& unit_text, bool post_messages);
     BIG_TIME(std::string const& text, bool post_messages);
+    /// A number's text and a unit's without post_messages: the unit would be taken for it.
+    BIG_TIME(std::string const& number_text, char const* unit_text) = delete;
 
     /// Reads a decimal number in a unit: an optional sign, digits with at most one point, and
     /// digits finer than the unit holds are cut off. The last form reads number and unit from one
@@ -170,6 +172,7 @@ public:
     bool set_time(std::string const& number_text, TIME_UNIT unit, bool post_messages);
     bool set_time(std::string const& number_text, std::string const& unit_text, bool post_messages);
     bool set_time(std::string const& text, bool post_messages);
+    bool set_time(std::string const& number_text, char const* unit_text) = delete;
 
     /// set_time(text, true), whose result is dropped.
     BIG_TIME& operator=(std::string const& text);
@@ -499,7 +502,8 @@ public:
     BIG_ULONG128 operator/(BIG_ULONG128 const& divisor) const;
     BIG_ULONG128& operator/=(BIG_ULONG128 const& divisor);
 
-    /// Remainder. Internal errors: "Division by Zero" from %, "Modulo by Zero" from %=.
+    /// Remainder. Internal errors: "Division by Zero" from %, "Modulo by Zero" from %=; "Underflow"
+    /// for an erased value.
     BIG_ULONG128 operator%(BIG_ULONG128 const& divisor) const;
     BIG_ULONG128& operator%=(BIG_ULONG128 const& divisor);
 
@@ -551,9 +555,9 @@ public:
 private:
     friend class BIG_ULONG128_INSPECTOR;
 
-    // What cannot fail is computed on the machine's own 128-bit integer. The length is part of the
-    // value all the same: it orders values before their cells do, and the cells above it keep
-    // whatever they held, so that every reading masks them.
+    // What fits is computed on the machine's own 128-bit integer. The length counts all the same:
+    // it orders values before their cells do, and the cells above it keep what they held, so that
+    // whoever reads the cells masks them.
 
     __extension__ typedef unsigned __int128 WIDE;
 
@@ -615,8 +619,6 @@ private:
     BIG_ULONG128 multiply_by_cells(BIG_ULONG128 const& other) const;
     /// Reports that a difference would be negative.
     [[noreturn]] static void report_underflow();
-    /// Quotient by a divisor of one word that is not 0.
-    BIG_LOCAL static BIG_ULONG128 divide_by_word(WIDE dividend, unsigned long long divisor);
 
     int m_length;                   ///< cells in use; 0 means undefined
     unsigned int m_cells[MAX_CELL]; ///< base 2^32, least significant first
@@ -668,7 +670,7 @@ BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator*(BIG_ULONG128 const& other) const
     return of(upper << 64 | static_cast<unsigned long long>(low));
 }
 
-/// The powers of ten that BIG_ULONG128 prints by.
+/// The powers of ten that a BIG_ULONG128 can hold.
 class BIG_API BIG_ULONG128_DECIMAL_TABLE {
 public:
     /// Builds the table.

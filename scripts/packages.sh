@@ -1,9 +1,15 @@
 # For the scripts that build: `. scripts/packages.sh`, then `need PACKAGE...`.
 
+# What the library, the standalone platform and the tool are built with
+PACKAGES_TO_BUILD=(cmake g++ ninja-build libcli11-dev libtomlplusplus-dev)
+# What the tests need beyond that
+PACKAGES_TO_TEST=(clang libclang-rt-dev libgtest-dev libgmock-dev libboost-dev pkgconf locales iverilog
+                  gtkwave perl clang-format clang-tidy doxygen)
+
 # Installs those of the Debian packages that are missing, as root or with sudo.
 need() {
     if ! command -v apt-get >/dev/null; then
-        echo "no apt-get here; what Debian calls these packages must be installed: $*" >&2
+        echo "without apt-get nothing is installed; Debian calls what is needed $*" >&2
         return
     fi
     local package missing=()
@@ -14,15 +20,11 @@ need() {
 
     local as_root=()
     if [[ $EUID -ne 0 ]]; then
-        command -v sudo >/dev/null || { echo "run as root, or install sudo, or install: ${missing[*]}" >&2; return 1; }
         as_root=(sudo)
+        command -v sudo >/dev/null || { echo "as root, or with sudo, install: ${missing[*]}" >&2; return 1; }
     fi
     echo "installing ${missing[*]}"
     "${as_root[@]}" apt-get update -qq
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
-
-# What every build of the library, the standalone platform and the tool needs
-PACKAGES_TO_BUILD=(cmake g++ ninja-build libcli11-dev libtomlplusplus-dev)
-# What the tests need beyond that
-PACKAGES_TO_TEST=(clang libclang-rt-dev clang-format libgtest-dev libgmock-dev locales libgmp-dev libboost-dev pkgconf)

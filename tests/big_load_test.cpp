@@ -27,16 +27,10 @@ TEST(BigLoad, TheInvalidFrequencyIsZero) {
     EXPECT_EQ(BIG_FREQUENCY::BIG_INVALID_FREQUENCY.get_value(), 0.0);
 }
 
-/// What releases a registration: its destructor, which knows it by its name or class id.
-std::string released(recording::CALL const& registration) {
-    return testing::PrintToString(
-        recording::CALL{"~" + registration.operation, {registration.arguments.front()}});
-}
-
 TEST(BigLoadDeathTest, RegistrationsAreReleasedInReverseWhenTheProcessEnds) {
     std::string expected;
-    for (recording::CALL const& registration : recording::calls())
-        expected = released(registration) + '\n' + expected;
+    for (recording::CALL const& call : unload_order())
+        expected += testing::PrintToString(call) + '\n';
     EXPECT_EXIT(
         {
             recording::echo_calls();

@@ -9,7 +9,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -166,14 +165,16 @@ public:
         }
     }
 
-    /// Writes the text. Throws std::runtime_error when the system refuses.
+    /// Writes the text. Throws std::runtime_error when the system refuses; the text is gone then.
     void flush() {
         m_progress.erase();
         for (std::size_t written = 0; written < m_text.size();) {
             ssize_t const size =
                 ::write(STDOUT_FILENO, m_text.data() + written, m_text.size() - written);
             if (size < 0 && errno != EINTR) {
-                throw std::runtime_error(std::string("standard output: ") + std::strerror(errno));
+                int const error = errno;
+                m_text.clear();
+                throw std::runtime_error(std::string("standard output: ") + std::strerror(error));
             }
             written += size < 0 ? 0 : static_cast<std::size_t>(size);
         }
@@ -303,8 +304,8 @@ void run(OPTIONS options) {
     table.write_header(output.text());
     try {
         write_changes(reader, table, options, output);
-    } catch (VCD_ERROR const&) {
-        output.flush(); // everything before the broken place is good
+    } catch (std::runtime_error const&) {
+        output.flush(); // everything in front of the place that cannot be read is good
         throw;
     }
     output.flush();

@@ -1,0 +1,386 @@
+#ifndef BIG_RADIX_DIGITS_H
+#define BIG_RADIX_DIGITS_H
+
+/// @file
+/// Digits in text and numbers in machine words: many digits at a time, by arithmetic on whole words
+/// of text ("SIMD within a register", Lamport 1975; Fisher & Dietz 1998) or, on processors that
+/// have them, SSE2 instructions. The two give the same results; defining BIG_PORTABLE leaves out
+/// the second.
+///
+/// A number is an array of words, least significant first; a text is most significant digit first.
+
+#include "big_limb.h"
+
+#include <array>
+#include <bit>
+#include <cstring>
+
+#if defined(__SSE2__) && !defined(BIG_PORTABLE)
+#define BIG_SSE2 1
+#include <emmintrin.h>
+#else
+#define BIG_SSE2 0
+#endif
+
+#pragma GCC visibility push(hidden)
+
+namespace big_digits {
+
+using big_natural::WORD;
+
+constexpr std::size_t BITS_PER_WORD = 64;
+
+/// A byte in every byte of a word.
+constexpr WORD everywhere(unsigned char byte) {
+    return byte * WORD{0x0101010101010101};
+}
+
+constexpr WORD reverse_bytes(WORD word) {
+    return __builtin_bswap64(word);
+}
+
+/// Reads up to eight characters, the first into the lowest byte; the bytes above are 0.
+template <std::size_t COUNT = 8>
+WORD load_characters(char const* text) {
+    WORD word = 0;
+    std::memcpy(&word, text, COUNT);
+    return std::endian::native == std::endian::little ? word : reverse_bytes(word);
+}
+
+/// Writes eight characters, the first from the lowest byte.
+inline void store_characters(WORD word, char* text) {
+    if (std::endian::native != std::endian::little)
+        word = reverse_bytes(word);
+    std::memcpy(text, &word, sizeof word);
+}
+
+// ------------------------------------------------------------------------------------------------
+// Binary digits
+// ------------------------------------------------------------------------------------------------
+
+/// Whether characters, as load_characters() reads them, are all 0 or 1.
+template <std::size_t COUNT = 8>
+constexpr bool are_bits(WORD characters) {
+    return (characters & everywhere(0xFE)) == everywhere('0') >> 8 * (8 - COUNT);
+}
+
+/// The number that characters 0 and 1 form. The product puts character i, whose lowest bit is bit
+/// 8i, at bit 63 - i: no two of its 64 terms meet in one bit.
+template <std::size_t COUNT = 8>
+constexpr WORD number_of_bits(WORD characters) {
+    return (characters & everywhere(1)) * 0x8040201008040201 >> (64 - COUNT);
+}
+
+/// Writes eight binary digits. Each byte of the spread word keeps one bit of the number, the first
+/// byte its highest, and adding 0x7F carries that bit to the byte's top.
+constexpr WORD eight_bit_characters(WORD number) {
+    WORD const spread = (number * everywhere(1)) & 0x0102040810204080;
+    return ((spread + everywhere(0x7F)) >> 7 & everywhere(1)) | everywhere('0');
+}
+
+#if BIG_SSE2
+/// Collects the lowest bit of each of 64 characters, the first as bit 0. Returns false when one of
+/// them is not 0 or 1.
+inline bool collect_64_bits(char const* text, WORD& collected) {
+    __m128i same = _mm_set1_epi8(-1);
+    collected = 0;
+    for (int i = 0; i < 4; ++i) {
+        __m128i const part = _mm_loadu_si128(reinterpret_cast<__m128i const*>(text) + i);
+        __m128i const odd = _mm_or_si128(part, _mm_set1_epi8(1));
+        same = _mm_and_si128(same, _mm_cmpeq_epi8(odd, _mm_set1_epi8('1')));
+        auto const bits = static_cast<unsigned>(_mm_movemask_epi8(_mm_slli_epi16(part, 7)));
+        collected |= static_cast<WORD>(bits) << 16 * i;
+    }
+    return _mm_movemask_epi8(same) == 0xFFFF;
+}
+
+/// The bits of each half byte in opposite order.
+constexpr WORD reverse_half_bytes(WORD word) {
+    word = (word >> 2 & everywhere(0x33)) | (word & everywhere(0x33)) << 2;
+    return (word >> 1 & everywhere(0x55)) | (word & everywhere(0x55)) << 1;
+}
+#endif
+
+/// Reads 64 binary digits. Returns false when one of them is not 0 or 1.
+inline bool read_64_bits(char const* text, WORD& word) {
+#if BIG_SSE2
+    bool const legal = collect_64_bits(text, word);
+    word = reverse_bytes(reverse_half_bytes(word));
+    word = (word >> 4 & everywhere(0x0F)) | (word & everywhere(0x0F)) << 4;
+    return legal;
+#else
+    bool legal = true;
+    word = 0;
+    for (int i = 0; i < 8; ++i) {
+        WORD const characters = load_characters(text + 8 * i);
+        legal = legal && are_bits(characters);
+        word = word << 8 | number_of_bits(characters);
+    }
+    return legal;
+#endif
+}
+
+/// Reads n binary digits into (n + 63) / 64 words. Returns false when one of them is not 0 or 1.
+inline bool read_bits(char const* text, std::size_t n, WORD* words) {
+    for (; n >= BITS_PER_WORD; n -= BITS_PER_WORD)
+        if (!read_64_bits(text + n - BITS_PER_WORD, *words++))
+            return false;
+    if (n == 0)
+        return true;
+    bool legal = true;
+    WORD word = 0;
+    for (; n % 8 != 0; --n, ++text) {
+        legal = legal && (*text | 1) == '1';
+        word = word << 1 | (*text & 1);
+    }
+    for (; n != 0; n -= 8, text += 8) {
+        WORD const characters = load_characters(text);
+        legal = legal && are_bits(characters);
+        word = word << 8 | number_of_bits(characters);
+    }
+    *words = word;
+    return legal;
+}
+
+/// Writes the n lowest bits of a number; bits above its words are 0.
+inline void write_bits(WORD const* words, std::size_t used, std::size_t n, char* text) {
+    for (; n > BITS_PER_WORD * used; --n)
+        *text++ = '0';
+    for (; n % 8 != 0; --n)
+        *text++ = static_cast<char>('0' + (words[(n - 1) / 64] >> (n - 1) % 64 & 1));
+    for (; n != 0; n -= 8, text += 8)
+        store_characters(eight_bit_characters(words[(n - 1) / 64] >> (n - 8) % 64 & 0xFF), text);
+}
+
+// ------------------------------------------------------------------------------------------------
+// Hexadecimal digits
+// ------------------------------------------------------------------------------------------------
+
+constexpr std::size_t HEX_DIGITS_PER_WORD = 16;
+constexpr unsigned char NO_DIGIT = 0xFF;
+
+/// The value of each hexadecimal digit, in either letter case.
+constexpr std::array<unsigned char, 256> HEX_VALUE = [] {
+    std::array<unsigned char, 256> values{};
+    values.fill(NO_DIGIT);
+    for (unsigned char i = 0; i < 10; ++i)
+        values['0' + i] = i;
+    for (unsigned char i = 10; i < 16; ++i)
+        values['A' + i - 10] = values['a' + i - 10] = i;
+    return values;
+}();
+
+/// Reads up to 16 hexadecimal digits. Returns false when one of them is none.
+inline bool read_hex_digits(char const* text, std::size_t n, WORD& word) {
+    unsigned seen = 0;
+    word = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        unsigned const value = HEX_VALUE[static_cast<unsigned char>(text[i])];
+        seen |= value;
+        word = word << 4 | (value & 15);
+    }
+    return seen < 16;
+}
+
+#if BIG_SSE2
+/// The 16 hexadecimal digits of a register of characters. Returns false when one of them is none.
+inline bool hex_value_of(__m128i characters, WORD& word) {
+    __m128i const digit = _mm_sub_epi8(characters, _mm_set1_epi8('0'));
+    __m128i const letter =
+        _mm_sub_epi8(_mm_or_si128(characters, _mm_set1_epi8(0x20)), _mm_set1_epi8('a'));
+    // An unsigned comparison: x <= limit where the minimum of both is x.
+    __m128i const is_digit = _mm_cmpeq_epi8(_mm_min_epu8(digit, _mm_set1_epi8(9)), digit);
+    __m128i const is_letter = _mm_cmpeq_epi8(_mm_min_epu8(letter, _mm_set1_epi8(5)), letter);
+    __m128i const values =
+        _mm_or_si128(_mm_and_si128(is_digit, digit),
+                     _mm_and_si128(is_letter, _mm_add_epi8(letter, _mm_set1_epi8(10))));
+    // Two digits to a byte, the first one (the lower half of each pair of bytes) above the second.
+    __m128i const pairs = _mm_and_si128(
+        _mm_or_si128(_mm_slli_epi16(values, 4), _mm_srli_epi16(values, 8)), _mm_set1_epi16(0xFF));
+    __m128i const bytes = _mm_packus_epi16(pairs, pairs);
+    word = reverse_bytes(static_cast<WORD>(_mm_cvtsi128_si64(bytes)));
+    return _mm_movemask_epi8(_mm_or_si128(is_digit, is_letter)) == 0xFFFF;
+}
+
+/// The 16 hexadecimal digits whose values are the half bytes of a word, the lowest one first.
+inline __m128i hex_characters(WORD half_bytes) {
+    __m128i const even = _mm_cvtsi64_si128(static_cast<long long>(half_bytes & everywhere(0x0F)));
+    __m128i const odd =
+        _mm_cvtsi64_si128(static_cast<long long>(half_bytes >> 4 & everywhere(0x0F)));
+    __m128i const values = _mm_unpacklo_epi8(even, odd);
+    __m128i const is_letter = _mm_cmpgt_epi8(values, _mm_set1_epi8(9));
+    __m128i const offsets =
+        _mm_add_epi8(_mm_set1_epi8('0'), _mm_and_si128(is_letter, _mm_set1_epi8('A' - '0' - 10)));
+    return _mm_add_epi8(values, offsets);
+}
+#endif
+
+/// Reads 16 hexadecimal digits. Returns false when one of them is none.
+inline bool read_16_hex_digits(char const* text, WORD& word) {
+#if BIG_SSE2
+    return hex_value_of(_mm_loadu_si128(reinterpret_cast<__m128i const*>(text)), word);
+#else
+    return read_hex_digits(text, HEX_DIGITS_PER_WORD, word);
+#endif
+}
+
+/// Reads n hexadecimal digits into (n + 15) / 16 words. Returns false when one of them is none.
+inline bool read_hex(char const* text, std::size_t n, WORD* words) {
+    for (; n >= HEX_DIGITS_PER_WORD; n -= HEX_DIGITS_PER_WORD)
+        if (!read_16_hex_digits(text + n - HEX_DIGITS_PER_WORD, *words++))
+            return false;
+#if BIG_SSE2
+    if (n >= 8) { // the first and the last eight digits, some of them twice
+        WORD both = 0;
+        bool const legal =
+            hex_value_of(_mm_set_epi64x(static_cast<long long>(load_characters(text + n - 8)),
+                                        static_cast<long long>(load_characters(text))),
+                         both);
+        *words = both >> 32 << 4 * (n - 8) | (both & 0xFFFFFFFF);
+        return legal;
+    }
+#endif
+    return n == 0 || read_hex_digits(text, n, *words);
+}
+
+/// Writes a word as 16 hexadecimal digits in upper case.
+inline void write_16_hex_digits(WORD word, char* text) {
+#if BIG_SSE2
+    WORD const swapped = reverse_bytes(word); // first the highest byte, in it first the upper half
+    WORD const half_bytes = (swapped >> 4 & everywhere(0x0F)) | (swapped & everywhere(0x0F)) << 4;
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(text), hex_characters(half_bytes));
+#else
+    for (int i = 0; i < 16; ++i)
+        text[i] = "0123456789ABCDEF"[word >> (60 - 4 * i) & 15];
+#endif
+}
+
+/// Writes 64 binary digits as 16 hexadecimal ones. The two may begin at the same place. Returns
+/// false, with nothing written, when one of them is not 0 or 1.
+inline bool write_64_bits_as_hex(char const* binary, char* text) {
+    WORD word = 0;
+#if BIG_SSE2
+    if (!collect_64_bits(binary, word))
+        return false;
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(text), hex_characters(reverse_half_bytes(word)));
+#else
+    if (!read_64_bits(binary, word))
+        return false;
+    write_16_hex_digits(word, text);
+#endif
+    return true;
+}
+
+/// Writes the n lowest hexadecimal digits of a number; digits above its words are 0.
+inline void write_hex(WORD const* words, std::size_t used, std::size_t n, char* text) {
+    for (; n > HEX_DIGITS_PER_WORD * used; --n)
+        *text++ = '0';
+    for (; n % HEX_DIGITS_PER_WORD != 0; --n)
+        *text++ = "0123456789ABCDEF"[words[n / 16] >> 4 * ((n - 1) % 16) & 15];
+    for (; n != 0; n -= HEX_DIGITS_PER_WORD, text += HEX_DIGITS_PER_WORD)
+        write_16_hex_digits(words[n / HEX_DIGITS_PER_WORD - 1], text);
+}
+
+// ------------------------------------------------------------------------------------------------
+// Decimal digits
+// ------------------------------------------------------------------------------------------------
+
+using big_natural::DIGITS_PER_LIMB;
+
+/// Whether eight characters are all decimal digits: their upper halves are 3, and still are when 6
+/// is added.
+constexpr bool are_decimal(WORD characters) {
+    return ((characters & everywhere(0xF0))
+            | ((characters + everywhere(6)) & everywhere(0xF0)) >> 4)
+           == everywhere(0x33);
+}
+
+/// The number that eight decimal digits form: neighbours are joined to pairs, pairs to groups of
+/// four, and these to one, each step by one product that multiplies the first of two neighbours by
+/// its weight and adds the second one above it.
+constexpr WORD eight_decimal(WORD characters) {
+    WORD const digits = characters & everywhere(0x0F);
+    WORD const pairs = digits * (10 << 8 | 1) >> 8 & 0x00FF00FF00FF00FF;
+    WORD const fours = pairs * (100 << 16 | 1) >> 16 & 0x0000FFFF0000FFFF;
+    return fours * (WORD{10000} << 32 | 1) >> 32;
+}
+
+/// Reads up to 19 decimal digits. Returns false when one of them is none.
+inline bool read_decimal_digits(char const* text, std::size_t n, WORD& number) {
+    bool legal = true;
+    number = 0;
+    for (; n % 8 != 0; --n) {
+        unsigned const digit = static_cast<unsigned char>(*text++) - unsigned{'0'};
+        legal = legal && digit <= 9;
+        number = 10 * number + digit;
+    }
+    for (; n != 0; n -= 8, text += 8) {
+        WORD const characters = load_characters(text);
+        legal = legal && are_decimal(characters);
+        number = 100'000'000 * number + eight_decimal(characters);
+    }
+    return legal;
+}
+
+/// Reads n decimal digits into (n + 18) / 19 limbs of base 10^19. Returns false when one of them is
+/// none.
+inline bool read_decimal(char const* text, std::size_t n, WORD* limbs) {
+    for (; n >= DIGITS_PER_LIMB; n -= DIGITS_PER_LIMB)
+        if (!read_decimal_digits(text + n - DIGITS_PER_LIMB, DIGITS_PER_LIMB, *limbs++))
+            return false;
+    return n == 0 || read_decimal_digits(text, n, *limbs);
+}
+
+constexpr std::array<WORD, 20> POWER_OF_TEN = [] {
+    std::array<WORD, 20> powers{1};
+    for (std::size_t i = 1; i < powers.size(); ++i)
+        powers[i] = 10 * powers[i - 1];
+    return powers;
+}();
+
+/// The decimal digits of a number, 1 for 0. 1233 / 4096 is log10(2), slightly more, so the estimate
+/// from the number's bits is right or one too large.
+constexpr std::size_t decimal_length(WORD number) {
+    number |= 1; // changes no length but that of 0
+    auto const estimate = static_cast<std::size_t>(std::bit_width(number)) * 1233 >> 12;
+    return estimate + (number >= POWER_OF_TEN[estimate]);
+}
+
+/// Writes a number below 10^8 as eight decimal digits: it is split in halves, each half into pairs
+/// and each pair into digits, both halves and then all pairs at once. The quotients by 100 and by
+/// 10 are products with 10486 / 2^20 and 103 / 2^10, exact for dividends below 10^4 and below 100.
+constexpr WORD eight_decimal_characters(WORD number) {
+    WORD const fours = number / 10000 | number % 10000 << 32;
+    WORD const hundreds = fours * 10486 >> 20 & 0x0000007F0000007F;
+    WORD const pairs = hundreds | (fours - 100 * hundreds) << 16;
+    WORD const tens = pairs * 103 >> 10 & 0x000F000F000F000F;
+    return (tens | (pairs - 10 * tens) << 8) | everywhere('0');
+}
+
+/// Writes a number of at most n decimal digits, n at most 20, with zeros in front.
+inline void write_decimal_digits(WORD number, std::size_t n, char* text) {
+    if (n < 8) {
+        for (; n != 0; number /= 10)
+            text[--n] = static_cast<char>('0' + number % 10);
+        return;
+    }
+    // The digits that are no whole eight come first; what their word has too much is written over.
+    std::size_t const first = n % 8;
+    WORD last = number % 100'000'000;
+    number /= 100'000'000;
+    if (n >= 16) {
+        WORD const middle = number % 100'000'000;
+        number /= 100'000'000;
+        store_characters(eight_decimal_characters(number) >> 8 * (8 - first) % 64, text);
+        store_characters(eight_decimal_characters(middle), text + first);
+    } else {
+        store_characters(eight_decimal_characters(number) >> 8 * (8 - first) % 64, text);
+    }
+    store_characters(eight_decimal_characters(last), text + n - 8);
+}
+
+} // namespace big_digits
+
+#pragma GCC visibility pop
+
+#endif

@@ -1,0 +1,101 @@
+// The digits of unsigned integers, eight at a time.
+
+#include "big_digits.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+#ifdef NDEBUG
+constexpr unsigned int STEP = 11; // from one number of eight digits to the next that is tested
+#else
+constexpr unsigned int STEP = 9973;
+#endif
+
+std::string printf_text(char const* format, unsigned long long value) {
+    char text[32];
+    std::snprintf(text, sizeof text, format, value);
+    return text;
+}
+
+/// Powers of ten and numbers of random length, all with their neighbours.
+std::vector<unsigned long long> numbers() {
+    std::vector<unsigned long long> all;
+    for (unsigned long long power = 1;; power *= 10) {
+        for (unsigned long long const number : {power - 1, power, power + 1})
+            all.push_back(number);
+        if (power == 10000000000000000000ull)
+            break;
+    }
+    std::mt19937_64 random(8);
+    for (int bits = 1; bits <= 64; ++bits) {
+        all.push_back(~0ull >> (64 - bits));
+        for (int i = 0; i < 100; ++i)
+            all.push_back(random() >> (64 - bits));
+    }
+    return all;
+}
+
+TEST(BigDigits, EightDigitsAreWrittenAndReadBack) {
+    char text[8];
+    for (unsigned int number = 0; number < 100000000; number += STEP) {
+        unsigned long long const digits = big_eight_digits(number);
+        ASSERT_EQ(big_number_of_eight_digits(digits), number);
+        big_store_eight_digits(text, digits);
+        ASSERT_EQ(big_load_eight_digits(text), digits) << number;
+        ASSERT_TRUE(big_all_are_digits(digits)) << number;
+    }
+}
+
+TEST(BigDigits, EightDigitsLieInTheirOrder) {
+    char text[9] = "";
+    big_store_eight_digits(text, big_eight_digits(1234567));
+    EXPECT_STREQ(text, "01234567");
+    EXPECT_EQ(big_number_of_eight_digits(big_load_eight_digits("98765432")), 98765432u);
+}
+
+TEST(BigDigits, AnyOtherCharacterIsNoDigitAtEveryPlace) {
+    for (std::size_t place = 0; place < 8; ++place) {
+        for (int c = 0; c < 256; ++c) {
+            for (char const* const others : {"00000000", "99999999"}) {
+                std::string text = others;
+                text[place] = static_cast<char>(c);
+                EXPECT_EQ(big_all_are_digits(big_load_eight_digits(text.data())),
+                          c >= '0' && c <= '9')
+                    << "character " << c << " at " << place << " of " << others;
+            }
+        }
+    }
+}
+
+TEST(BigDigits, ANumberIsWrittenInFrontOfItsEnd) {
+    for (unsigned long long const number : numbers()) {
+        std::string const text = printf_text("%llu", number);
+        char buffer[BIG_DIGITS_ROOM + 1];
+        char* const end = buffer + BIG_DIGITS_ROOM;
+        *end = '|';
+        EXPECT_EQ(std::string(big_write_digits(end, number), end + 1), text + '|');
+        EXPECT_EQ(big_digit_count(number), text.size()) << number;
+        big_write_24_digits(end, number);
+        EXPECT_EQ(std::string(buffer, end + 1), printf_text("%024llu|", number));
+    }
+}
+
+TEST(BigDigits, AStringTakesExactlyTheDigits) {
+    for (std::size_t const room : {0u, 15u, 16u, 23u, 24u, 100u}) {
+        for (unsigned long long const number : numbers()) {
+            std::string out(room, 'x');
+            BIG_DIGITS_BUFFER buffer;
+            big_assign_digits(&out, buffer, big_write_digits(buffer.end(), number));
+            ASSERT_EQ(out, printf_text("%llu", number)) << "over " << room << " characters";
+        }
+    }
+}
+
+} // namespace
