@@ -454,7 +454,7 @@ TEST(SdfLongest, PathsAreThoseOfAllThatAreLongest) {
         std::sort(sums.rbegin(), sums.rend());
 
         DESIGN const design(file_of(text));
-        for (std::size_t const count : {1, 3, 1000}) {
+        for (std::size_t const count : {1u, 3u, 1000u}) {
             std::vector<long long> found;
             std::vector<std::vector<PIN>> paths;
             for (std::vector<HOP> const& hops :

@@ -63,7 +63,7 @@ TEST(SdfProgram, EachDelayAndSumIsShown) {
                   ") (DELAY (ABSOLUTE (PORT a (1)) (IOPATH a b (1.5) (0.25)) (INTERCONNECT "
                   "b c (2))))))");
     EXPECT_EQ(run.out, "standard input: design d, written by p, 2 delays between 3 pins\n"
-                       "left out: 1 delays of single pins (PORT, NETDELAY, DEVICE)\n"
+                       "delays of single pins (PORT, NETDELAY, DEVICE) left out: 1\n"
                        "corner max, slowest edge; clock 250 MHz, period 4.000 ns\n"
                        "\n"
                        "path x\n"

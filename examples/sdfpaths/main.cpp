@@ -9,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -151,8 +152,8 @@ std::string heading(SDF_READER const& reader, DELAY_GRAPH const& graph, OPTIONS 
     text += std::to_string(graph.delay_count()) + " delays between "
             + std::to_string(graph.pin_count()) + " pins\n";
     if (reader.passed_over() > 0) {
-        text += "left out: " + std::to_string(reader.passed_over())
-                + " delays of single pins (PORT, NETDELAY, DEVICE)\n";
+        text += "delays of single pins (PORT, NETDELAY, DEVICE) left out: "
+                + std::to_string(reader.passed_over()) + '\n';
     }
     return text + "corner " + options.corner + ", " + options.edge + " edge; clock " + clock.text()
            + ", period " + nanoseconds_text(clock.period()) + " ns" + clock.rest() + '\n';

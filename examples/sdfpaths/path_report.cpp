@@ -2,8 +2,9 @@
 
 #include "decimal.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <cstdlib>
+#include <stdexcept>
 
 namespace {
 

@@ -9,8 +9,10 @@
 #include "delay_graph.h"
 #include "path_list.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// A clock and its period.
