@@ -229,8 +229,8 @@ unsigned int fit_as_it_is(std::string& digits, bool is_signed, bool is_ascii, un
             digits = extension(digits, missing) + digits;
         return 0;
     }
-    bool is_lowest = is_signed && n == width + std::size_t{1} && digits[0] == '1'
-                     && digits[1] == '1';
+    bool is_lowest =
+        is_signed && n == width + std::size_t{1} && digits[0] == '1' && digits[1] == '1';
     for (std::size_t i = 2; i + 1 < n; ++i)
         is_lowest = is_lowest && digits[i] == '0';
     digits = digits.substr(n - width);
@@ -378,7 +378,9 @@ std::string random_source(std::mt19937_64& random, BIG_RADIX radix, std::size_t 
     static std::string const logic = "xXzZuUwW-hHlL";
     static std::string const digits[] = {"01",         "01234567",   "0123456789abcdefABCDEF",
                                          "0123456789", "0123456789", "0123456789"};
-    auto const below = [&](std::size_t bound) { return static_cast<std::size_t>(random() % bound); };
+    auto const below = [&](std::size_t bound) {
+        return static_cast<std::size_t>(random() % bound);
+    };
     std::string source;
     if (radix == BIG_ASCII) {
         for (std::size_t i = 0; i < length; ++i)
