@@ -65,7 +65,8 @@ TEST(BigDigits, NumbersAreWrittenAtEveryLength) {
                 WORDS const words = random_words(random, count);
                 std::string text(n + 2, '?');
                 radix.write(words.data(), count, n, text.data() + 1);
-                ASSERT_EQ(text, "?" + digits_of(words, radix.bits, n) + "?");
+                ASSERT_EQ(text,
+                          std::string("?").append(digits_of(words, radix.bits, n)).append("?"));
             }
 }
 
@@ -176,7 +177,7 @@ TEST(BigDigits, DecimalNumbersAreWrittenAndReadAtEveryLength) {
             SCOPED_TRACE(expected);
             std::string text(n + 2, '?');
             write_decimal_digits(number, n, text.data() + 1);
-            ASSERT_EQ(text, "?" + expected + "?");
+            ASSERT_EQ(text, std::string("?").append(expected).append("?"));
             if (n == 20)
                 continue;
             WORD read = 0;

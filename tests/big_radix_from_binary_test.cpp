@@ -231,7 +231,7 @@ TEST(BigRadixFromBinary, AFixedPointNumberReplacesWhatIsThereAndALogicValueDoesN
     std::string result = "before";
     EXPECT_TRUE(big_convert_from_binary(&binary, &result, BIG_FRAC_FIX_POINT, 4));
     EXPECT_EQ(result, "0.5");
-    binary = "Z";
+    binary = 'Z';
     EXPECT_TRUE(big_convert_from_binary(&binary, &result, BIG_FRAC_FIX_POINT, 4));
     EXPECT_EQ(result, "0.5Z");
     binary = "01000001";

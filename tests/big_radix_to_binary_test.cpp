@@ -207,19 +207,21 @@ TEST(BigRadixToBinary, PowersOfTwoAndTheirNeighboursAreExact) {
             digits.push_back(c - '0');
         std::reverse(digits.begin(), digits.end());
 
+        std::string const zeros(static_cast<std::size_t>(exponent), '0');
+        std::string const ones(static_cast<std::size_t>(exponent), '1');
         std::string result;
         EXPECT_TRUE(big_dec_to_binary(power, &result, false));
-        EXPECT_EQ(result, "1" + std::string(static_cast<std::size_t>(exponent), '0'));
+        EXPECT_EQ(result, std::string("1").append(zeros));
         std::string below = power; // a power of two above 1 does not end in 0
         if (exponent > 0) {
             --below.back();
             result.clear();
             EXPECT_TRUE(big_dec_to_binary(below, &result, false));
-            EXPECT_EQ(result, std::string(static_cast<std::size_t>(exponent), '1'));
+            EXPECT_EQ(result, ones);
         }
         result.clear();
-        EXPECT_TRUE(big_dec_to_binary("-" + power, &result, true));
-        EXPECT_EQ(result, "11" + std::string(static_cast<std::size_t>(exponent), '0'));
+        EXPECT_TRUE(big_dec_to_binary(std::string("-").append(power), &result, true));
+        EXPECT_EQ(result, std::string("11").append(zeros));
 
         big_multiply_dec_by_two(&digits);
         power.clear();
