@@ -10,6 +10,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 namespace {
@@ -113,7 +114,9 @@ std::optional<double> fixed_point_number(std::string const& text) {
     if (!big_string_is_legal(text, BIG_FRAC_FIX_POINT)) {
         return {};
     }
-    double number = 0;
+    // What is too small for a double stays this instead of becoming 0: it is a fraction, and lost.
+    // What is too large the library refuses.
+    double number = std::numeric_limits<double>::denorm_min();
     char const* const end = text.data() + text.size();
     return std::from_chars(text.data(), end, number).ptr == end ? std::optional(number)
                                                                 : std::nullopt;
