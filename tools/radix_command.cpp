@@ -30,14 +30,14 @@ struct RADIX {
 
 // clang-format off
 constexpr std::array<RADIX, 7> RADIXES = {{
-    // name    letter   radix               title                digits                                 expected
-    {"bin",   "b",      BIG_BIN,            "a binary number",   "01" LOGIC_DIGITS,                     "0, 1 or " LOGIC_VALUES},
-    {"oct",   "o",      BIG_OCT,            "an octal number",   "01234567" LOGIC_DIGITS,               "0 to 7 or " LOGIC_VALUES},
-    {"hex",   "h",      BIG_HEX,            "a hexadecimal number", "0123456789ABCDEFabcdef" LOGIC_DIGITS, "0 to 9, A to F or " LOGIC_VALUES},
-    {"udec",  "udec",   BIG_UNSIGNED_DEC,   "an unsigned decimal number", "0123456789" LOGIC_DIGITS,    "0 to 9 or " LOGIC_VALUES},
-    {"sdec",  "sdec",   BIG_SIGNED_DEC,     "a signed decimal number", "0123456789" LOGIC_DIGITS,       "- and 0 to 9 or " LOGIC_VALUES},
-    {"fix",   "fix",    BIG_FRAC_FIX_POINT, "a fixed-point number", "",                                 "a decimal number such as 0.75 or -1.5E-1"},
-    {"ascii", "ascii",  BIG_ASCII,          "an ASCII text",     "",                                    "printable characters, and [10] for the byte 10"},
+    // name   letter   radix               title                         digits                                 expected
+    {"bin",   "b",     BIG_BIN,            "a binary number",            "01" LOGIC_DIGITS,                     "0, 1 or " LOGIC_VALUES},
+    {"oct",   "o",     BIG_OCT,            "an octal number",            "01234567" LOGIC_DIGITS,               "0 to 7 or " LOGIC_VALUES},
+    {"hex",   "h",     BIG_HEX,            "a hexadecimal number",       "0123456789ABCDEFabcdef" LOGIC_DIGITS, "0 to 9, A to F or " LOGIC_VALUES},
+    {"udec",  "udec",  BIG_UNSIGNED_DEC,   "an unsigned decimal number", "0123456789" LOGIC_DIGITS,             "0 to 9 or " LOGIC_VALUES},
+    {"sdec",  "sdec",  BIG_SIGNED_DEC,     "a signed decimal number",    "0123456789" LOGIC_DIGITS,             "- and 0 to 9 or " LOGIC_VALUES},
+    {"fix",   "fix",   BIG_FRAC_FIX_POINT, "a fixed-point number",       "",                                    "a decimal number such as 0.75 or -1.5E-1"},
+    {"ascii", "ascii", BIG_ASCII,          "an ASCII text",              "",                                    "printable characters, and [10] for the byte 10"},
 }};
 // clang-format on
 
