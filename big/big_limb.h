@@ -76,15 +76,15 @@ struct COLUMN {
     WIDE low = 0;
     WORD high = 0;
 
-    void add(WIDE a) {
+    constexpr void add(WIDE a) {
         low += a;
         high += low < a;
     }
-    void add(COLUMN const& other) {
+    constexpr void add(COLUMN const& other) {
         add(other.low);
         high += other.high;
     }
-    void subtract(COLUMN const& other) {
+    constexpr void subtract(COLUMN const& other) {
         high -= other.high + (low < other.low);
         low -= other.low;
     }
@@ -151,7 +151,9 @@ inline COLUMN column_of(WORD const* a, std::size_t n, WORD const* b, std::size_t
     COLUMN sum;
     std::size_t const end = k < n ? k + 1 : n;
     std::size_t i = k < m ? 0 : k - m + 1;
+#ifndef __clang__ // which makes too much of it
 #pragma GCC unroll 4
+#endif
     for (; i < end; ++i)
         sum.add(static_cast<WIDE>(a[i]) * b[k - i]);
     return sum;

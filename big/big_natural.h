@@ -11,7 +11,7 @@
 ///
 /// How long a change of base of n limbs takes:
 ///
-///     up to SHORT_NUMBER limbs   n^2 / 2 steps of a few cycles, without memory of its own
+///     up to SHORT_CHANGE limbs   n^2 / 2 steps of a few cycles, without memory of its own
 ///     more                       log n products of halves, quarters, eighths, ... of the number
 ///
 /// and a product of n by n limbs:
@@ -33,9 +33,10 @@
 
 namespace big_natural {
 
-/// Lengths in limbs up to which the simple methods are the faster ones, measured.
-constexpr std::size_t SHORT_NUMBER = 20;
-constexpr std::size_t SHORT_PRODUCT = 170;
+/// The limbs of a number of the other base up to which Horner's rule is faster than cutting it in
+/// two, measured.
+template <class BASE>
+constexpr std::size_t SHORT_CHANGE = std::is_same_v<BASE, DECIMAL> ? 20 : 40;
 
 // ------------------------------------------------------------------------------------------------
 // Sums and products
@@ -109,11 +110,11 @@ std::size_t change_short(WORD const* from, std::size_t n, WORD* to) {
 ///
 /// where the weight of a level is the square of the one before (Knuth, "The Art of Computer
 /// Programming", volume 2, section 4.4, gives the method to Schoenhage).
-template <class BASE>
+template <class BASE, class CONVOLUTION>
 class LONG_CHANGE {
 public:
     LONG_CHANGE(WORD const* from, std::size_t n) : m_result_limbs(limbs_for<BASE>(n)) {
-        while (n > SHORT_NUMBER * m_blocks)
+        while (n > SHORT_CHANGE<BASE> * m_blocks)
             m_blocks *= 2;
         m_block_from_limbs = (n - 1) / m_blocks + 1;
         m_block_limbs = limbs_for<BASE>(m_block_from_limbs);
@@ -167,7 +168,7 @@ private:
         std::size_t const joined_limbs =
             is_last ? m_result_limbs : limbs_for<BASE>(2 * m_block_from_limbs);
         std::size_t const product_limbs = joined_limbs - m_weight_zeros;
-        bool const transforms = m_weight_limbs > SHORT_PRODUCT;
+        bool const transforms = m_weight_limbs >= CONVOLUTION::LONG_FACTOR;
         if (transforms) {
             if (!m_convolution)
                 m_convolution.emplace(m_result_limbs);
@@ -176,7 +177,7 @@ private:
 
         std::size_t next_limbs = 0;
         if (!is_last && transforms) {
-            m_convolution->square_factor<BASE>(m_next_weight.get());
+            m_convolution->template square_factor<BASE>(m_next_weight.get());
             next_limbs = product_limbs;
         } else if (!is_last) {
             multiply<BASE>(m_weight.get(), m_weight_limbs, m_weight.get(), m_weight_limbs,
@@ -196,7 +197,7 @@ private:
                 continue;
             std::size_t used = product_limbs;
             if (transforms) {
-                m_convolution->multiply<BASE>(upper, upper_limbs, m_product.get());
+                m_convolution->template multiply<BASE>(upper, upper_limbs, m_product.get());
             } else {
                 multiply<BASE>(m_weight.get(), m_weight_limbs, upper, upper_limbs, m_product.get());
                 used = m_weight_limbs + upper_limbs;
@@ -234,9 +235,13 @@ private:
 /// limbs_for(n); `to` must hold limbs_for(n).
 template <class BASE>
 std::size_t change_base(WORD const* from, std::size_t n, WORD* to) {
-    if (n <= SHORT_NUMBER)
+    if (n <= SHORT_CHANGE<BASE>)
         return change_short<BASE>(from, n, to);
-    return LONG_CHANGE<BASE>(from, n).run(to);
+#if BIG_FMA
+    if (fma::is_available() && limbs_for<BASE>(n) <= fma::LARGEST_PRODUCT)
+        return LONG_CHANGE<BASE, fma::CONVOLUTION>(from, n).run(to);
+#endif
+    return LONG_CHANGE<BASE, words::CONVOLUTION>(from, n).run(to);
 }
 
 } // namespace big_natural

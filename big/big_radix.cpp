@@ -23,7 +23,7 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 #include "big_radix.h"
 
 #include "big_radix_digits.h"
-#include "big_natural.h"
+#include "big_number.h"
 #include "gen_sys.h"
 
 #include <algorithm>
@@ -31,17 +31,19 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <memory>
+#include <numeric>
 #include <string_view>
 
 #include <locale.h>
 
 using big_digits::BITS_PER_WORD;
-using big_natural::BINARY;
-using big_natural::DECIMAL;
+using big_natural::make_room;
+using big_natural::NUMBER;
+using big_natural::SHORT_NUMBER;
 using big_natural::WORD;
 
 // ------------------------------------------------------------------------------------------------
@@ -74,16 +76,6 @@ constexpr char upper_case(char c) {
 
 constexpr std::size_t index_of(char c) {
     return static_cast<unsigned char>(c);
-}
-
-/// Resizes a string that is about to be overwritten. Repeated conversions of one width find their
-/// result as long as it must be, and then this is all they pay.
-[[gnu::noinline]] void resize(std::string* text, std::size_t size) {
-    text->resize(size);
-}
-inline void make_room(std::string* text, std::size_t size) {
-    if (text->size() != size)
-        resize(text, size);
 }
 
 /// What a character is as a binary digit: a set, so that the sets of a group's digits, intersected,
@@ -163,211 +155,29 @@ void big_complement(std::string* bits) {
 }
 
 // ------------------------------------------------------------------------------------------------
-// Numbers
-// ------------------------------------------------------------------------------------------------
-
-namespace {
-
-/// A natural number in one machine word.
-class SHORT_NUMBER {
-public:
-    WORD* allocate(std::size_t) { return &m_word; }
-    void set_size(std::size_t) {}
-
-    WORD const* words() const { return &m_word; }
-    std::size_t used() const { return m_word != 0; }
-    std::size_t bit_length() const { return static_cast<std::size_t>(std::bit_width(m_word)); }
-    bool has_bit(std::size_t i) const { return i < BITS_PER_WORD && (m_word >> i & 1) != 0; }
-    bool is_power_of_two() const { return std::has_single_bit(m_word); }
-
-    void truncate(std::size_t bits) {
-        if (bits < BITS_PER_WORD)
-            m_word &= (WORD{1} << bits) - 1;
-    }
-    void complement(std::size_t bits) { // at most 64
-        m_word = 0 - m_word;
-        truncate(bits);
-    }
-
-private:
-    WORD m_word = 0;
-};
-
-/// A natural number of any size in machine words, least significant first. One of up to 2048 bits
-/// needs no memory of its own.
-class NUMBER {
-public:
-    /// Makes room for words, whose content is then undefined.
-    WORD* allocate(std::size_t count) {
-        if (count > OWN_WORDS) {
-            m_long = std::make_unique_for_overwrite<WORD[]>(count);
-            m_words = m_long.get();
-        }
-        return m_words;
-    }
-
-    /// Says how many words the number has, zeros at the upper end included.
-    void set_size(std::size_t count) { m_used = big_natural::limbs_in_use(m_words, count); }
-
-    WORD const* words() const { return m_words; }
-    std::size_t used() const { return m_used; }
-
-    /// The number's bits, 0 for the number 0.
-    std::size_t bit_length() const {
-        return m_used == 0 ? 0
-                           : m_used * BITS_PER_WORD
-                                 - static_cast<std::size_t>(std::countl_zero(m_words[m_used - 1]));
-    }
-
-    bool has_bit(std::size_t i) const {
-        return i / BITS_PER_WORD < m_used
-               && (m_words[i / BITS_PER_WORD] >> i % BITS_PER_WORD & 1) != 0;
-    }
-
-    bool is_power_of_two() const {
-        return m_used != 0 && std::has_single_bit(m_words[m_used - 1])
-               && big_natural::limbs_in_use(m_words, m_used - 1) == 0;
-    }
-
-    /// Keeps the lowest bits.
-    void truncate(std::size_t bits) {
-        std::size_t const whole = bits / BITS_PER_WORD;
-        if (whole >= m_used)
-            return;
-        m_words[whole] &= (WORD{1} << bits % BITS_PER_WORD) - 1;
-        set_size(whole + 1);
-    }
-
-    /// Becomes 2^bits less itself. It must be below 2^bits and not 0.
-    void complement(std::size_t bits) {
-        std::size_t const count = (bits - 1) / BITS_PER_WORD + 1;
-        extend(count);
-        bool carry = true;
-        for (std::size_t i = 0; i < count; ++i)
-            m_words[i] = BINARY::add(~m_words[i], 0, carry);
-        m_used = count;
-        truncate(bits);
-        set_size(m_used);
-    }
-
-private:
-    static constexpr std::size_t OWN_WORDS = 36; ///< 2048 bits in either base
-
-    /// Writes zeros above the words in use, up to a number of words.
-    void extend(std::size_t count) {
-        if (count > OWN_WORDS && count > m_used) {
-            auto longer = std::make_unique_for_overwrite<WORD[]>(count);
-            std::copy_n(m_words, m_used, longer.get());
-            m_long = std::move(longer);
-            m_words = m_long.get();
-        }
-        std::fill(m_words + m_used, m_words + count, WORD{0});
-    }
-
-    WORD m_own[OWN_WORDS];
-    std::unique_ptr<WORD[]> m_long;
-    WORD* m_words = m_own;
-    std::size_t m_used = 0;
-};
-
-/// Reads binary digits, all 0 or 1.
-template <class VALUE>
-bool read_bits(std::string_view digits, VALUE& value) {
-    std::size_t const count = (digits.size() + BITS_PER_WORD - 1) / BITS_PER_WORD;
-    if (!big_digits::read_bits(digits.data(), digits.size(), value.allocate(count)))
-        return false;
-    value.set_size(count);
-    return true;
-}
-
-/// Reads hexadecimal digits without logic values.
-template <class VALUE>
-bool read_hex(std::string_view digits, VALUE& value) {
-    std::size_t const count = (digits.size() + 15) / 16;
-    if (!big_digits::read_hex(digits.data(), digits.size(), value.allocate(count)))
-        return false;
-    value.set_size(count);
-    return true;
-}
-
-/// Reads decimal digits without logic values, at least one.
-bool read_decimal(std::string_view digits, SHORT_NUMBER& value) {
-    return big_digits::read_decimal_digits(digits.data(), digits.size(), *value.allocate(1));
-}
-
-bool read_decimal(std::string_view digits, NUMBER& value) {
-    using namespace big_natural;
-    digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size() - 1));
-    std::size_t const count = (digits.size() + DIGITS_PER_LIMB - 1) / DIGITS_PER_LIMB;
-    NUMBER limbs;
-    WORD* const target = limbs.allocate(count);
-    if (!big_digits::read_decimal(digits.data(), digits.size(), target))
-        return false;
-    value.set_size(change_base<BINARY>(target, count, value.allocate(limbs_for<BINARY>(count))));
-    return true;
-}
-
-/// Writes a number in decimal into *result from a place on, which ends the result.
-///
-/// @param digits limbs of base 10^19, but a single one may be any word
-void write_limbs(WORD const* digits, std::size_t count, bool has_minus, std::string* result,
-                 std::size_t at) {
-    using big_natural::DIGITS_PER_LIMB;
-    WORD const top = count == 0 ? 0 : digits[count - 1];
-    std::size_t const top_length = big_digits::decimal_length(top);
-    std::size_t const others = count == 0 ? 0 : count - 1;
-
-    make_room(result, at + has_minus + top_length + DIGITS_PER_LIMB * others);
-    char* text = result->data() + at;
-    if (has_minus)
-        *text++ = '-';
-    big_digits::write_decimal_digits(top, top_length, text);
-    text += top_length;
-    for (std::size_t i = others; i-- > 0; text += DIGITS_PER_LIMB)
-        big_digits::write_decimal_digits(digits[i], DIGITS_PER_LIMB, text);
-}
-
-void write_decimal(SHORT_NUMBER const& value, bool has_minus, std::string* result, std::size_t at) {
-    write_limbs(value.words(), value.used(), has_minus, result, at);
-}
-
-void write_decimal(NUMBER const& value, bool has_minus, std::string* result, std::size_t at) {
-    using namespace big_natural;
-    if (value.used() <= 1)
-        return write_limbs(value.words(), value.used(), has_minus, result, at);
-    NUMBER limbs;
-    WORD* const digits = limbs.allocate(limbs_for<DECIMAL>(value.used()));
-    std::size_t const count = change_base<DECIMAL>(value.words(), value.used(), digits);
-    write_limbs(digits, count, has_minus, result, at);
-}
-
-} // namespace
-
-// ------------------------------------------------------------------------------------------------
 // Into binary digits
 // ------------------------------------------------------------------------------------------------
 
 namespace {
 
-/// The binary digits of each character of a radix, WIDTH of them, in memory order. Those of an
+/// The binary digits of each character of a radix, up to four, as they stand in memory. Those of an
 /// illegal character are marked in their top bits.
-using PATTERNS = std::array<std::array<char, 4>, 256>;
-constexpr char MARK = static_cast<char>(0x80);
+using PATTERN = std::uint32_t;
+using PATTERNS = std::array<PATTERN, 256>;
+constexpr PATTERN MARKS = 0x80808080;
 
 template <std::size_t WIDTH>
 constexpr PATTERNS patterns_of(std::string_view radix_digits, char const* const* digit_strings) {
     PATTERNS patterns{};
     for (std::size_t c = 0; c < patterns.size(); ++c) {
         char const folded = upper_case(static_cast<char>(c));
-        std::size_t const digit = radix_digits.find(folded);
-        for (std::size_t i = 0; i < WIDTH; ++i) {
-            if (LOGIC_VALUES.find(folded) != std::string_view::npos)
-                patterns[c][i] = folded;
-            else if (digit != std::string_view::npos)
-                patterns[c][i] = digit_strings[digit][i];
-            else
-                patterns[c][i] = static_cast<char>(digit_strings[radix_digits.size()][i] | MARK);
-        }
+        std::size_t const digit = std::min(radix_digits.find(folded), radix_digits.size());
+        bool const is_logic_value = LOGIC_VALUES.find(folded) != std::string_view::npos;
+        bool const is_illegal = digit == radix_digits.size() && !is_logic_value;
+        std::array<char, sizeof(PATTERN)> pattern{};
+        for (std::size_t i = 0; i < WIDTH; ++i)
+            pattern[i] = is_logic_value ? folded : digit_strings[digit][i];
+        patterns[c] = std::bit_cast<PATTERN>(pattern) | (is_illegal ? MARKS : 0);
     }
     return patterns;
 }
@@ -379,7 +189,36 @@ constexpr PATTERNS HEX_PATTERNS = patterns_of<4>(HEX_DIGITS, big_hex_string);
 
 [[gnu::noinline]] void clear_marks(char* begin, char const* end) {
     for (; begin != end; ++begin)
-        *begin = static_cast<char>(*begin & ~MARK);
+        *begin = static_cast<char>(*begin & 0x7F);
+}
+
+/// Writes the pattern of each character. Returns the marks that they have.
+template <std::size_t WIDTH>
+PATTERN write_each(char const* in, std::size_t count, char* out, PATTERNS const& patterns) {
+    PATTERN seen = 0;
+#pragma GCC unroll 4
+    for (std::size_t i = 0; i < count; ++i) {
+        PATTERN const pattern = patterns[index_of(in[i])];
+        std::memcpy(out + WIDTH * i, &pattern, WIDTH);
+        seen |= pattern;
+    }
+    return seen & MARKS;
+}
+
+/// The same; binary digits stay as they are, and are copied eight at a time.
+template <std::size_t WIDTH>
+PATTERN write_all(char const* in, std::size_t count, char* out, PATTERNS const& patterns) {
+    PATTERN marks = 0;
+    if constexpr (WIDTH == 1) {
+        for (; count >= 8; in += 8, out += 8, count -= 8) {
+            WORD const characters = big_digits::load_characters(in);
+            if (big_digits::are_bits(characters))
+                big_digits::store_characters(characters, out);
+            else
+                marks |= write_each<1>(in, 8, out, patterns);
+        }
+    }
+    return marks | write_each<WIDTH>(in, count, out, patterns);
 }
 
 /// Writes the digits of every character into *result from a place on, which ends the result.
@@ -389,28 +228,10 @@ bool write_patterns(std::string const& source, std::string* result, std::size_t 
                     PATTERNS const& patterns) {
     std::size_t const count = source.size();
     make_room(result, at + WIDTH * count);
-    char const* in = source.data(); // after the resizing, as it may be the same string
-    char const* const end = in + count;
-    char* out = result->data() + at;
-    std::size_t marks = 0;
-    while (in != end) {
-        if constexpr (WIDTH == 1) {
-            for (WORD characters = 0;
-                 end - in >= 8
-                 && big_digits::are_bits(characters = big_digits::load_characters(in));
-                 in += 8, out += 8)
-                big_digits::store_characters(characters, out);
-            if (in == end)
-                break;
-        }
-        auto const& digits = patterns[index_of(*in++)];
-        std::memcpy(out, digits.data(), WIDTH);
-        out += WIDTH;
-        marks |= index_of(digits[0]);
-    }
-    if ((marks & index_of(MARK)) == 0) [[likely]]
+    char* const out = result->data() + at; // the source may be the same string
+    if (write_all<WIDTH>(source.data(), count, out, patterns) == 0) [[likely]]
         return true;
-    clear_marks(result->data() + at, out);
+    clear_marks(out, out + WIDTH * count);
     return false;
 }
 
@@ -744,6 +565,11 @@ void big_add_vectors(std::vector<int>* sum, std::vector<int>* addend) {
 
 namespace {
 
+/// Whether the digits that numbers are written with are the usual ones.
+bool has_standard_digits() {
+    return BIG_HEXMAP == HEX_DIGITS;
+}
+
 /// The digit of a group: its number, the logic value of all its digits, or X. Notes when one of its
 /// characters is no binary digit.
 [[gnu::noinline]] char digit_of(char const* group, std::size_t bits, bool& is_legal) {
@@ -769,27 +595,52 @@ char digit_of(char const* group, bool& is_legal) {
     return digit_of(group, BITS, is_legal);
 }
 
-/// Writes the digits of many groups without logic values at once, over the binary digits if they
-/// begin at the same place. Returns false, with nothing written, when there are any.
+/// Writes the digits of several groups at once: of a multiple of eight binary digits, STEP of them.
+/// Returns false, with nothing written, when there are logic values among them.
 template <std::size_t BITS>
-constexpr std::size_t MANY = BITS == 4 ? 64 : 8 * BITS;
+constexpr std::size_t STEP = std::lcm(BITS, std::size_t{8});
 
 template <std::size_t BITS>
-bool write_many_groups(char const* binary, char* out) {
-    if constexpr (BITS == 4) {
-        return BIG_HEXMAP == HEX_DIGITS && big_digits::write_64_bits_as_hex(binary, out);
-    } else {
-        WORD number = 0;
-        for (std::size_t i = 0; i < BITS; ++i) {
-            WORD const characters = big_digits::load_characters(binary + 8 * i);
-            if (!big_digits::are_bits(characters))
-                return false;
-            number = number << 8 | big_digits::number_of_bits(characters);
-        }
-        for (std::size_t i = 0; i < 8; ++i)
-            out[i] = BIG_HEXMAP[number >> BITS * (7 - i) & ((1 << BITS) - 1)];
-        return true;
+bool write_step(char const* binary, char* out) {
+    WORD number = 0;
+    for (std::size_t i = 0; i < STEP<BITS>; i += 8) {
+        WORD const characters = big_digits::load_characters(binary + i);
+        if (!big_digits::are_bits(characters))
+            return false;
+        number = number << 8 | big_digits::number_of_bits(characters);
     }
+    for (std::size_t left = STEP<BITS>; left != 0;) {
+        left -= BITS;
+        *out++ = BIG_HEXMAP[number >> left & ((1u << BITS) - 1)];
+    }
+    return true;
+}
+
+/// Writes the digits of whole groups. Returns whether all binary digits were legal.
+template <std::size_t BITS>
+bool write_whole_groups(char const* binary, std::size_t count, char* out) {
+    bool is_legal = true;
+    while (count != 0) {
+        std::size_t taken = STEP<BITS>;
+        if (count < taken || !write_step<BITS>(binary, out)) {
+            taken = BITS;
+            *out = digit_of<BITS>(binary, is_legal);
+        }
+        binary += taken;
+        count -= taken;
+        out += taken / BITS;
+    }
+    return is_legal;
+}
+
+/// The same for long hexadecimal numbers, a word at a time.
+[[gnu::noinline]] bool write_long_hex(char const* binary, std::size_t count, char* out) {
+    bool is_legal = true;
+    for (; count >= BITS_PER_WORD;
+         binary += BITS_PER_WORD, count -= BITS_PER_WORD, out += BITS_PER_WORD / 4)
+        if (!big_digits::write_64_bits_as_hex(binary, out))
+            is_legal = write_whole_groups<4>(binary, BITS_PER_WORD, out) && is_legal;
+    return write_whole_groups<4>(binary, count, out) && is_legal;
 }
 
 /// Writes the digit of each group, the first of which may be shorter. They may be written over the
@@ -802,30 +653,13 @@ bool write_groups(char const* binary, std::size_t count, char* out) {
         binary += first;
         count -= first;
     }
-    while (count != 0) {
-        std::size_t const part = std::min(count, MANY<BITS>);
-        if (part == MANY<BITS> && write_many_groups<BITS>(binary, out)) {
-            out += part / BITS;
-        } else {
-            for (std::size_t i = 0; i < part; i += BITS)
-                *out++ = digit_of<BITS>(binary + i, is_legal);
-        }
-        binary += part;
-        count -= part;
-    }
-    return is_legal;
+    if (BITS == 4 && count >= BITS_PER_WORD && has_standard_digits())
+        return write_long_hex(binary, count, out) && is_legal;
+    return write_whole_groups<BITS>(binary, count, out) && is_legal;
 }
 
 constexpr std::size_t groups_of(std::size_t count, std::size_t bits) {
     return (count + bits - 1) / bits;
-}
-
-bool write_groups(char const* binary, std::size_t count, std::size_t bits, char* out) {
-    switch (bits) {
-    case 1: return write_groups<1>(binary, count, out);
-    case 3: return write_groups<3>(binary, count, out);
-    default: return write_groups<4>(binary, count, out);
-    }
 }
 
 } // namespace
@@ -835,7 +669,14 @@ bool big_binary_to_number(std::string* binary, std::string* result, int group_bi
     std::size_t const count = binary->size();
     std::size_t const at = result->size();
     make_room(result, at + groups_of(count, bits));
-    write_groups(binary->data(), count, bits, result->data() + at);
+    char const* const digits = binary->data();
+    char* const out = result->data() + at;
+    if (bits == 1)
+        write_groups<1>(digits, count, out);
+    else if (bits == 3)
+        write_groups<3>(digits, count, out);
+    else
+        write_groups<4>(digits, count, out);
     return true;
 }
 
@@ -876,6 +717,7 @@ void write_fixed_point(std::string* binary, std::string* result, unsigned int wi
 /// Writes a byte for every eight binary digits, in the notation of big_ascii_to_binary(). A digit
 /// other than 1 is a zero bit.
 void write_ascii(std::string const& binary, std::string* result) {
+    result->reserve(result->size() + groups_of(binary.size(), 8));
     std::string code;
     unsigned byte = 0;
     for (std::size_t left = binary.size(); left-- > 0;) {
@@ -930,6 +772,7 @@ bool read_number(std::string_view source, BIG_RADIX radix, VALUE& value, bool& i
     if (source.empty())
         return false;
     bool const is_number = radix == BIG_BIN   ? read_bits(source, value)
+                           : radix == BIG_OCT ? read_octal(source, value)
                            : radix == BIG_HEX ? read_hex(source, value)
                                               : read_decimal(source, value);
     count = std::max<std::size_t>(value.bit_length(), 1) + is_signed;
@@ -938,7 +781,7 @@ bool read_number(std::string_view source, BIG_RADIX radix, VALUE& value, bool& i
 
 /// Converts a number to or from decimal, where the binary digits as characters are not needed: a
 /// number fitted to a width is the number modulo 2^width. Returns false, with nothing changed, when
-/// the source has other digits than numbers have.
+/// the source has other digits than numbers have, or the value is too short for it.
 template <class VALUE>
 bool convert_value(std::string const& source, std::string* result, BIG_RADIX from, BIG_RADIX to,
                    unsigned int width, unsigned int& status) {
@@ -947,9 +790,11 @@ bool convert_value(std::string const& source, std::string* result, BIG_RADIX fro
     std::size_t count = 0;
     if (!read_number(source, from, value, is_negative, count))
         return false;
+    std::size_t const bits = width == 0 ? count : width;
+    if (bits > VALUE::LARGEST_WIDTH)
+        return false;
 
     // Only -2^(width - 1) fits with a binary digit more than the width.
-    std::size_t const bits = width == 0 ? count : width;
     bool const is_lowest = is_negative && count == bits + 1 && value.is_power_of_two();
     status = count > bits && !is_lowest ? 2 : 0;
     value.truncate(bits);
@@ -963,73 +808,99 @@ bool convert_value(std::string const& source, std::string* result, BIG_RADIX fro
     if (is_negative != has_minus && value.used() != 0)
         value.complement(bits);
 
-    if (to == BIG_HEX) {
-        std::size_t const digits = groups_of(bits, 4);
-        make_room(result, digits);
-        big_digits::write_hex(value.words(), value.used(), digits, result->data());
-    } else {
+    if (to == BIG_HEX)
+        write_hex(value, groups_of(bits, 4), result);
+    else if (to == BIG_OCT)
+        write_octal(value, groups_of(bits, 3), result);
+    else
         write_decimal(value, has_minus, result, 0);
-    }
     return true;
 }
 
-/// The same, in a single word where the source and the width fit one.
+/// The same, in a single word where one will do.
 [[gnu::noinline]] bool convert_number(std::string const& source, std::string* result,
                                       BIG_RADIX from, BIG_RADIX to, unsigned int width,
                                       unsigned int& status) {
-    std::size_t const longest = from == BIG_BIN ? 64 : from == BIG_HEX ? 16 : 18;
-    if (source.size() <= longest && width <= BITS_PER_WORD)
-        return convert_value<SHORT_NUMBER>(source, result, from, to, width, status);
-    return convert_value<NUMBER>(source, result, from, to, width, status);
+    static constexpr std::size_t LONGEST[] = {64, 21, 16, 21, 20}; // characters for each radix
+    return (source.size() <= LONGEST[from]
+            && convert_value<SHORT_NUMBER>(source, result, from, to, width, status))
+           || convert_value<NUMBER>(source, result, from, to, width, status);
 }
 
 bool is_decimal(BIG_RADIX radix) {
     return radix == BIG_SIGNED_DEC || radix == BIG_UNSIGNED_DEC;
 }
 
-/// Whether convert_number() knows the two radixes.
+/// Whether convert_number() knows the two radixes. Into binary it would be no faster.
 bool converts_as_number(BIG_RADIX from, BIG_RADIX to) {
-    if (to == BIG_HEX)
-        return is_decimal(from) && BIG_HEXMAP == HEX_DIGITS;
-    return is_decimal(to) && (is_decimal(from) || from == BIG_BIN || from == BIG_HEX);
+    if (is_decimal(to))
+        return is_decimal(from) || from <= BIG_HEX;
+    return is_decimal(from) && (to == BIG_OCT || to == BIG_HEX) && has_standard_digits();
 }
 
-/// Converts into binary digits in *result.
+/// What a source that cannot be converted gives.
+[[gnu::noinline]] unsigned int not_convertible(std::string* result) {
+    *result = 'X';
+    return 1;
+}
+
+/// Converts binary, octal or hexadecimal digits into binary ones.
+template <std::size_t WIDTH>
+[[gnu::noinline]] unsigned int convert_patterns(std::string const& source, std::string* result,
+                                                BIG_RADIX from, unsigned int width,
+                                                PATTERNS const& patterns) {
+    if (!write_patterns<WIDTH>(source, result, 0, patterns))
+        return not_convertible(result);
+    return result->size() == width ? 0 : fit_to_width(result, from, width);
+}
+
+/// Converts into binary digits.
 unsigned int convert_to_bits(std::string const& source, std::string* result, BIG_RADIX from,
                              unsigned int width) {
-    bool is_legal = false;
     switch (from) {
-    case BIG_BIN: is_legal = write_patterns<1>(source, result, 0, BIN_PATTERNS); break;
-    case BIG_OCT: is_legal = write_patterns<3>(source, result, 0, OCT_PATTERNS); break;
-    case BIG_HEX: is_legal = write_patterns<4>(source, result, 0, HEX_PATTERNS); break;
-    default: result->clear(); return big_convert_to_binary(source, result, from, width);
+    case BIG_BIN: return convert_patterns<1>(source, result, from, width, BIN_PATTERNS);
+    case BIG_OCT: return convert_patterns<3>(source, result, from, width, OCT_PATTERNS);
+    case BIG_HEX: return convert_patterns<4>(source, result, from, width, HEX_PATTERNS);
+    default: break;
     }
-    if (is_legal && result->size() == width) [[likely]]
-        return 0;
-    return is_legal ? fit_to_width(result, from, width) : 1;
+    result->clear();
+    unsigned int const status = big_convert_to_binary(source, result, from, width);
+    return status == 1 ? not_convertible(result) : status;
 }
 
-/// Converts into binary, octal or hexadecimal digits. Unless they are already there, the binary
-/// digits are made in *result, and then its digits are written over them.
+/// Converts binary digits that have the right width already into octal or hexadecimal ones.
+template <std::size_t BITS>
+[[gnu::noinline]] unsigned int convert_groups(std::string const& source, std::string* result) {
+    make_room(result, groups_of(source.size(), BITS));
+    return write_groups<BITS>(source.data(), source.size(), result->data())
+               ? 0
+               : not_convertible(result);
+}
+
+/// Converts into octal or hexadecimal digits, which are written over the binary ones.
+template <std::size_t BITS>
+[[gnu::noinline]] unsigned int convert_to_groups(std::string const& source, std::string* result,
+                                                 BIG_RADIX from, unsigned int width) {
+    unsigned int const status = convert_to_bits(source, result, from, width);
+    if (status != 1) {
+        std::size_t const count = result->size();
+        write_groups<BITS>(result->data(), count, result->data());
+        result->resize(groups_of(count, BITS));
+    }
+    return status;
+}
+
+/// Converts into binary, octal or hexadecimal digits.
 unsigned int convert_to_digits(std::string const& source, std::string* result, BIG_RADIX from,
                                BIG_RADIX to, unsigned int width) {
-    std::size_t const bits = to == BIG_BIN ? 1 : to == BIG_OCT ? 3 : 4;
-    std::size_t count = source.size();
-    unsigned int status = 0;
-    if (from == BIG_BIN && to != BIG_BIN && count == width) { // nothing to fit
-        make_room(result, groups_of(count, bits));
-        status = write_groups(source.data(), count, bits, result->data()) ? 0 : 1;
-    } else {
-        status = convert_to_bits(source, result, from, width);
-        count = result->size();
-        if (to != BIG_BIN && status != 1) {
-            write_groups(result->data(), count, bits, result->data());
-            result->resize(groups_of(count, bits));
-        }
-    }
-    if (status == 1)
-        *result = 'X';
-    return status;
+    if (to == BIG_BIN)
+        return convert_to_bits(source, result, from, width);
+    bool const fits = from == BIG_BIN && source.size() == width;
+    if (to == BIG_OCT)
+        return fits ? convert_groups<3>(source, result)
+                    : convert_to_groups<3>(source, result, from, width);
+    return fits ? convert_groups<4>(source, result)
+                : convert_to_groups<4>(source, result, from, width);
 }
 
 /// Converts by way of a string of binary digits.
@@ -1045,6 +916,21 @@ unsigned int convert_to_digits(std::string const& source, std::string* result, B
     return status;
 }
 
+/// Converts what is left: into and out of decimal, fixed point and ASCII.
+[[gnu::noinline]] unsigned int convert_otherwise(std::string const& source, std::string* result,
+                                                 BIG_RADIX from, BIG_RADIX to, unsigned int width) {
+    unsigned int status = 0;
+    if (converts_as_number(from, to) && convert_number(source, result, from, to, width, status))
+        return status;
+    return convert_by_bits(source, result, from, to, width);
+}
+
+/// What too wide a fixed-point target gives; callers rely on what is in front of the X.
+[[gnu::noinline]] unsigned int append_unknown(std::string* result) {
+    result->push_back('X');
+    return 1;
+}
+
 /// Converts a string that is its own source.
 [[gnu::noinline]] unsigned int convert_in_place(std::string* text, BIG_RADIX from, BIG_RADIX to,
                                                 unsigned int width) {
@@ -1057,16 +943,11 @@ unsigned int convert_to_digits(std::string const& source, std::string* result, B
 unsigned int big_radix_conversion(std::string const& source, std::string* result, BIG_RADIX from,
                                   BIG_RADIX to, unsigned int width) {
     BIG_REQUIRE(source.size() > 0);
-    if (to == BIG_FRAC_FIX_POINT && width > 1024) {
-        result->push_back('X'); // callers rely on what is in front of it
-        return 1;
-    }
+    if (to == BIG_FRAC_FIX_POINT && width > 1024)
+        return append_unknown(result);
     if (&source == result)
         return convert_in_place(result, from, to, width);
-    if (from <= BIG_ASCII && to <= BIG_HEX && !(to == BIG_HEX && is_decimal(from)))
+    if (from <= BIG_ASCII && to <= BIG_HEX && (to == BIG_BIN || !is_decimal(from)))
         return convert_to_digits(source, result, from, to, width);
-    unsigned int status = 0;
-    if (converts_as_number(from, to) && convert_number(source, result, from, to, width, status))
-        return status;
-    return convert_by_bits(source, result, from, to, width);
+    return convert_otherwise(source, result, from, to, width);
 }

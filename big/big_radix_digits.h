@@ -84,6 +84,7 @@ constexpr WORD eight_bit_characters(WORD number) {
 inline bool collect_64_bits(char const* text, WORD& collected) {
     __m128i same = _mm_set1_epi8(-1);
     collected = 0;
+#pragma GCC unroll 4
     for (int i = 0; i < 4; ++i) {
         __m128i const part = _mm_loadu_si128(reinterpret_cast<__m128i const*>(text) + i);
         __m128i const odd = _mm_or_si128(part, _mm_set1_epi8(1));
@@ -150,6 +151,74 @@ inline void write_bits(WORD const* words, std::size_t used, std::size_t n, char*
         *text++ = static_cast<char>('0' + (words[(n - 1) / 64] >> (n - 1) % 64 & 1));
     for (; n != 0; n -= 8, text += 8)
         store_characters(eight_bit_characters(words[(n - 1) / 64] >> (n - 8) % 64 & 0xFF), text);
+}
+
+// ------------------------------------------------------------------------------------------------
+// Octal digits
+// ------------------------------------------------------------------------------------------------
+
+/// Whether eight characters are all octal digits.
+constexpr bool are_octal(WORD characters) {
+    return (characters & everywhere(0xF8)) == everywhere('0');
+}
+
+/// The 24 bits that eight octal digits form: neighbours are joined to pairs, pairs to groups of
+/// four, and these to one.
+constexpr WORD eight_octal(WORD characters) {
+    WORD const digits = characters & everywhere(0x07);
+    WORD const pairs = (digits << 3 | digits >> 8) & 0x003F003F003F003F;
+    WORD const fours = (pairs << 6 | pairs >> 16) & 0x00000FFF00000FFF;
+    return (fours << 12 | fours >> 32) & 0xFFFFFF;
+}
+
+/// Writes 24 bits as eight octal digits, by the same steps back.
+constexpr WORD eight_octal_characters(WORD number) {
+    WORD const fours = (number >> 12 | number << 32) & 0x00000FFF00000FFF;
+    WORD const pairs = (fours >> 6 | fours << 16) & 0x003F003F003F003F;
+    return ((pairs >> 3 | pairs << 8) & everywhere(0x07)) | everywhere('0');
+}
+
+/// Reads n octal digits into (3n + 63) / 64 words. Returns false when one of them is none.
+inline bool read_octal(char const* text, std::size_t n, WORD* words) {
+    bool legal = true;
+    WORD word = 0;
+    std::size_t filled = 0; // bits of the word
+    auto const append = [&](WORD number, std::size_t bits) {
+        word |= number << filled;
+        filled += bits;
+        if (filled >= BITS_PER_WORD) {
+            filled -= BITS_PER_WORD;
+            *words++ = word;
+            word = number >> (bits - filled);
+        }
+    };
+    for (; n >= 8; n -= 8) {
+        WORD const characters = load_characters(text + n - 8);
+        legal = legal && are_octal(characters);
+        append(eight_octal(characters), 24);
+    }
+    for (; n != 0; --n) {
+        legal = legal && (text[n - 1] & 0xF8) == '0';
+        append(text[n - 1] & 0x07, 3);
+    }
+    if (filled != 0)
+        *words = word;
+    return legal;
+}
+
+/// Writes the n lowest octal digits of a number; digits above its words are 0.
+inline void write_octal(WORD const* words, std::size_t used, std::size_t n, char* text) {
+    auto const bits_from = [&](std::size_t bit) { // 24 of them or more
+        std::size_t const i = bit / BITS_PER_WORD;
+        std::size_t const shift = bit % BITS_PER_WORD;
+        WORD const lower = i < used ? words[i] >> shift : 0;
+        WORD const upper = shift != 0 && i + 1 < used ? words[i + 1] << (BITS_PER_WORD - shift) : 0;
+        return lower | upper;
+    };
+    for (; n % 8 != 0; --n)
+        *text++ = static_cast<char>('0' + (bits_from(3 * (n - 1)) & 7));
+    for (; n != 0; n -= 8, text += 8)
+        store_characters(eight_octal_characters(bits_from(3 * (n - 8)) & 0xFFFFFF), text);
 }
 
 // ------------------------------------------------------------------------------------------------

@@ -3,38 +3,44 @@
 
 /// @file
 /// Products of long numbers in time n log n: number-theoretic transforms (Pollard, "The fast
-/// Fourier transform in a finite field", 1971) modulo three primes just below 2^62.
+/// Fourier transform in a finite field", 1971) modulo three primes.
 ///
-/// The limbs of both factors are taken as coefficients of polynomials. Their product's coefficients
-/// are sums of up to n products of two words; they are computed modulo each prime, put together by
-/// the Chinese remainder theorem (the primes' product exceeds 2^185, so this is exact for every n
-/// up to 2^57), and their carries are propagated in the base of the numbers.
+/// The limbs of both factors are taken as coefficients of polynomials. The coefficients of their
+/// product are sums of products of two words; they are computed modulo each prime, put together by
+/// the Chinese remainder theorem, and their carries are propagated in the base of the numbers. All
+/// of this is exact.
 ///
-/// A transform of length N multiplies polynomials modulo x^N - 1. N is 2^k or 3 * 2^k.
+/// There are two arithmetics modulo the primes: `words`, for every processor, and `fma`, for those
+/// with AVX2 and fused multiply-add, which is two to three times as fast. What is built on them is
+/// written once, in big_convolution.h, and compiled for each. Defining BIG_PORTABLE leaves out the
+/// second.
 
 #include "big_limb.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <cfenv>
 #include <memory>
+
+#if defined(__x86_64__) && !defined(BIG_PORTABLE)
+#define BIG_FMA 1
+#include <immintrin.h>
+#else
+#define BIG_FMA 0
+#endif
 
 #pragma GCC visibility push(hidden)
 
 namespace big_natural {
 
-// ------------------------------------------------------------------------------------------------
-// Arithmetic modulo a prime
-// ------------------------------------------------------------------------------------------------
-
-/// The transform's primes are c * 3 * 2^40 + 1, so that there are roots of unity for every length
-/// that memory can hold, and below 2^62, so that values up to 4p fit a word and need not be reduced
-/// fully after each step (Harvey, "Faster arithmetic for number-theoretic transforms", 2014).
+/// There are roots of unity of order 2^k and 3 * 2^k modulo each prime: it is c * 3 * 2^40 + 1 for
+/// `words`, c * 3 * 2^28 + 1 for `fma`, and the next one is more than the limbs of any product.
 constexpr std::size_t PRIMES = 3;
-constexpr WORD PRIME[PRIMES] = {
-    0x3fff810000000001, // c = 1398059
-    0x3fff840000000001, // c = 1398060
-    0x3fffc00000000001, // c = 1398080
-};
+
+// ------------------------------------------------------------------------------------------------
+// Arithmetic modulo a prime below 2^62
+// ------------------------------------------------------------------------------------------------
 
 constexpr WORD multiply_modulo(WORD a, WORD b, WORD p) {
     return static_cast<WORD>(static_cast<WIDE>(a) * b % p);
@@ -54,384 +60,372 @@ constexpr WORD inverse_modulo(WORD a, WORD p) {
     return power_modulo(a, p - 2, p);
 }
 
-/// A fixed factor w with floor(w * 2^64 / p), which makes a product modulo p cheap (Shoup; see
-/// Harvey 2014).
-struct FACTOR {
-    WORD value = 0;
-    WORD ratio = 0;
+/// A root of unity of order m, for every m that divides 3 * 2^k in p - 1: a power of the least
+/// number that is neither a square nor a cube.
+constexpr WORD root_of_unity(WORD m, WORD p) {
+    WORD candidate = 2;
+    while (power_modulo(candidate, (p - 1) / 2, p) == 1
+           || power_modulo(candidate, (p - 1) / 3, p) == 1)
+        ++candidate;
+    return power_modulo(candidate, (p - 1) / m, p);
+}
 
-    constexpr FACTOR() = default;
-    constexpr FACTOR(WORD w, WORD p)
-        : value(w), ratio(low_word((static_cast<WIDE>(w) << 64) / p)) {}
+/// The roots of unity of order 1, 2, 4, ... 2^LARGEST, each the square of the next.
+template <std::size_t LARGEST>
+constexpr std::array<WORD, LARGEST + 1> roots_of_unity(WORD p) {
+    std::array<WORD, LARGEST + 1> roots{};
+    WORD root = root_of_unity(WORD{1} << LARGEST, p);
+    for (std::size_t k = LARGEST + 1; k-- > 0; root = multiply_modulo(root, root, p))
+        roots[k] = root;
+    return roots;
+}
 
-    /// a * w modulo p, in [0, 2p), for any word a.
+/// The inverse of a number that divides p - 1: n * (p - 1) / n is -1.
+constexpr WORD inverse_of_divisor(WORD n, WORD p) {
+    return p - (p - 1) / n;
+}
+
+/// A fixed factor w < p with floor(w * 2^64 / p), which makes a product modulo p cheap (Shoup; see
+/// Harvey, "Faster arithmetic for number-theoretic transforms", 2014).
+struct WORD_FACTOR {
+    WORD value;
+    WORD ratio;
+
+    /// w * a modulo p, in [0, 2p), for any word a.
     constexpr WORD times(WORD a, WORD p) const { return a * value - high_product(a, ratio) * p; }
 };
 
-/// One prime and what belongs to it.
-struct FIELD {
-    WORD p;
-    WORD minus_inverse; ///< -1/p modulo 2^64
-    WORD root;          ///< its (p - 1) / m-th power has order m, for every m | 3 * 2^40
-    DIVISOR divisor;    ///< 4p, whose top bit is set
-    FACTOR minus_one;
-    FACTOR cube_root; ///< of 1
+constexpr WORD_FACTOR word_factor(WORD w, WORD p) {
+    return {w, low_word((static_cast<WIDE>(w) << 64) / p)};
+}
 
-    constexpr explicit FIELD(WORD prime)
-        : p(prime), minus_inverse(find_minus_inverse(prime)), root(find_root(prime)),
-          divisor(4 * prime), minus_one(prime - 1, prime), cube_root(root_of_order(3), prime) {}
+/// What residues modulo a prime are multiplied by for number_with_residues().
+template <std::array<WORD, PRIMES> P>
+constexpr WORD residue_scale(std::size_t i) {
+    WORD scale = 1;
+    for (std::size_t j = 0; j < PRIMES; ++j)
+        if (j != i)
+            scale = multiply_modulo(scale, inverse_modulo(P[j] % P[i], P[i]), P[i]);
+    return scale;
+}
 
-    constexpr WORD root_of_order(WORD m) const { return power_modulo(root, (p - 1) / m, p); }
+/// a * b, below 2^192.
+constexpr COLUMN times(WIDE a, WORD b) {
+    WIDE const upper = static_cast<WIDE>(high_word(a)) * b;
+    COLUMN product;
+    product.add(static_cast<WIDE>(low_word(a)) * b);
+    product.add(upper << 64);
+    product.high += high_word(upper);
+    return product;
+}
 
-    /// The factor w < p at run time, without a division instruction.
-    FACTOR factor(WORD w) const {
-        FACTOR f;
-        f.value = w;
-        WORD high = 4 * w;
-        f.ratio = divisor.divide(high, 0);
-        return f;
+/// The number with the given residues modulo the primes P, which are multiplied by residue_scale()
+/// and fully reduced. It must be at most 3/4 of the product of the primes.
+///
+/// The Chinese remainder theorem: with M = P[0] P[1] P[2], the sum of residue[i] * (M / P[i]) is
+/// the number plus k * M, and k is the integral part of the sum of residue[i] / P[i], whose
+/// fractional part, the number divided by M, is far enough below 1 for double precision.
+template <std::array<WORD, PRIMES> P>
+[[gnu::always_inline]] inline COLUMN
+number_with_residues(std::array<WORD, PRIMES> const& residues) {
+    constexpr std::array<WIDE, PRIMES> others = {static_cast<WIDE>(P[1]) * P[2],
+                                                 static_cast<WIDE>(P[0]) * P[2],
+                                                 static_cast<WIDE>(P[0]) * P[1]};
+    constexpr std::array<COLUMN, PRIMES> multiples = {times(others[0], 0), times(others[0], P[0]),
+                                                      times(others[0], 2 * P[0])};
+    double quotient = 0.125;
+    WIDE lower = 0; // each of the two sums of three products fits
+    WIDE upper = 0;
+    for (std::size_t i = 0; i < PRIMES; ++i) {
+        quotient += static_cast<double>(static_cast<long long>(residues[i]))
+                    * (1.0 / static_cast<double>(P[i]));
+        lower += static_cast<WIDE>(residues[i]) * low_word(others[i]);
+        upper += static_cast<WIDE>(residues[i]) * high_word(others[i]);
+    }
+    COLUMN number;
+    number.add(lower);
+    number.add(upper << 64);
+    number.high += high_word(upper);
+    number.subtract(multiples[static_cast<std::size_t>(static_cast<int>(quotient))]);
+    return number;
+}
+
+// ------------------------------------------------------------------------------------------------
+// Words: three primes just below 2^62, one after the other
+// ------------------------------------------------------------------------------------------------
+
+namespace words {
+
+constexpr std::array<WORD, PRIMES> PRIME = {0x3fff810000000001, 0x3fff840000000001,
+                                            0x3fffc00000000001};
+
+/// The largest product in limbs: its coefficients stay below the product of the primes, 2^185,
+/// while fewer than 2^57 terms are added, and the order of a root is at most 2^40.
+constexpr std::size_t LARGEST_PRODUCT = std::size_t{1} << 40;
+
+/// The limbs of a factor from which on this is faster than adding up products, measured.
+constexpr std::size_t LONG_FACTOR = 200;
+
+using VALUE = WORD;
+
+constexpr std::array<std::array<WORD, 41>, PRIMES> ROOTS = {
+    roots_of_unity<40>(PRIME[0]), roots_of_unity<40>(PRIME[1]), roots_of_unity<40>(PRIME[2])};
+constexpr std::array<WORD, PRIMES> CUBE_ROOT = {
+    root_of_unity(3, PRIME[0]), root_of_unity(3, PRIME[1]), root_of_unity(3, PRIME[2])};
+constexpr std::array<WORD, PRIMES> RESIDUE_SCALE = {
+    residue_scale<PRIME>(0), residue_scale<PRIME>(1), residue_scale<PRIME>(2)};
+
+/// One prime. Values are reduced as far as a word needs it, 4p being less than 2^64 (Harvey 2014).
+class FIELD {
+public:
+    using FACTOR = WORD_FACTOR;
+
+    explicit FIELD(std::size_t index)
+        : m_index(index), m_p(PRIME[index]), m_minus_inverse(find_minus_inverse(m_p)),
+          m_divisor(4 * m_p) {}
+
+    FACTOR minus_one() const { return factor(m_p - 1); }
+    FACTOR cube_root() const { return factor(CUBE_ROOT[m_index]); }
+    /// The root of unity of order 2^k.
+    FACTOR root(int k) const { return factor(ROOTS[m_index][static_cast<std::size_t>(k)]); }
+
+    /// What the transformed factor is multiplied by for a length: 1 / length, the scale of the
+    /// residues, and 2^64, by which product() divides.
+    FACTOR scale(std::size_t length) const {
+        WORD const two_to_64 = low_word((WIDE{1} << 64) % m_p);
+        return factor(multiply_modulo(multiply_modulo(two_to_64, RESIDUE_SCALE[m_index], m_p),
+                                      inverse_of_divisor(length, m_p), m_p));
     }
 
-    /// a in [0, 4p) less 2p if it is 2p or more.
-    WORD halved(WORD a) const { return a >= 2 * p ? a - 2 * p : a; }
-    /// a in [0, 4p) fully reduced.
-    WORD reduced(WORD a) const {
-        WORD const half = halved(a);
-        return half >= p ? half - p : half;
+    /// The factor for a value in [0, 2p).
+    FACTOR factor(VALUE a) const {
+        FACTOR factor{reduced(a), 0};
+        WORD high = 4 * factor.value; // the top bit of the divisor 4p is set
+        factor.ratio = m_divisor.divide(high, 0);
+        return factor;
     }
-    /// a * b / 2^64 modulo p, in [0, 2p), for a < 4p and b < p (Montgomery 1985).
-    WORD product(WORD a, WORD b) const {
+
+    VALUE from_limb(WORD limb) const { return trim(trim(limb)); }
+
+    // The sum, the difference, and the product with a factor, of values in [0, 2p) and any word.
+    VALUE add(VALUE a, VALUE b) const { return a + b; }
+    VALUE subtract(VALUE a, VALUE b) const { return a - b + 2 * m_p; }
+    VALUE times(FACTOR const& w, VALUE a) const { return w.times(a, m_p); }
+
+    /// a in [0, 4p), brought below 2p. The two kinds of arithmetic need it in different places.
+    VALUE trim(VALUE a) const { return a >= 2 * m_p ? a - 2 * m_p : a; }
+    VALUE settle(VALUE a) const { return trim(a); }
+
+    /// a in [0, 4p), brought below p.
+    VALUE reduced(VALUE a) const {
+        a = trim(a);
+        return a >= m_p ? a - m_p : a;
+    }
+
+    /// a * b / 2^64, in [0, 2p), for a < 4p and b < p (Montgomery 1985).
+    VALUE product(VALUE a, VALUE b) const {
         WIDE const wide = static_cast<WIDE>(a) * b;
-        WORD const multiple = low_word(wide) * minus_inverse;
-        return high_word(wide + static_cast<WIDE>(multiple) * p);
+        WORD const multiple = low_word(wide) * m_minus_inverse;
+        return high_word(wide + static_cast<WIDE>(multiple) * m_p);
     }
 
 private:
     /// Newton's iteration doubles the correct bits: 3, 6, 12, ... of 64.
-    static constexpr WORD find_minus_inverse(WORD prime) {
+    static WORD find_minus_inverse(WORD prime) {
         WORD inverse = prime;
         for (int i = 0; i < 5; ++i)
             inverse *= 2 - prime * inverse;
         return 0 - inverse;
     }
-    /// The least number that is neither a square nor a cube.
-    static constexpr WORD find_root(WORD prime) {
-        WORD candidate = 2;
-        while (power_modulo(candidate, (prime - 1) / 2, prime) == 1
-               || power_modulo(candidate, (prime - 1) / 3, prime) == 1)
-            ++candidate;
-        return candidate;
-    }
+
+    std::size_t m_index;
+    WORD m_p;
+    WORD m_minus_inverse; ///< -1/p modulo 2^64
+    DIVISOR m_divisor;    ///< 4p
 };
-constexpr FIELD FIELDS[PRIMES] = {FIELD(PRIME[0]), FIELD(PRIME[1]), FIELD(PRIME[2])};
 
-// ------------------------------------------------------------------------------------------------
-// The transform of length 2^k
-// ------------------------------------------------------------------------------------------------
-//
-// The ring of polynomials modulo x^N - 1 is split in halves, x^2m - w^2 = (x^m - w)(x^m + w), until
-// the moduli are linear. The factor of block b at any depth is w[b], where w[0] = 1 and w[2b],
-// w[2b + 1] are the square roots of w[b] and -w[b]; as fractions of a full turn:
-//
-//     b      0    1    2    3    4     5     6     7
-//     w[b]   0   1/4  1/8  3/8  1/16  5/16  3/16  7/16
-//
-// so one table serves every length, and no pass puts anything into bit-reversed order: the
-// transformed values stay in the order in which the splitting leaves them. Two depths are done in
-// one pass over the values.
-
-/// Splits x, n = 2^k values in [0, 4p), into its n values at the roots of unity, in [0, 4p).
-inline void transform(WORD* x, std::size_t n, FIELD const& field, FACTOR const* w) {
-    WORD const p = field.p;
-    std::size_t length = n; // of a block
-    if (std::countr_zero(n) % 2 != 0) {
-        length = n / 2;
-        for (std::size_t j = 0; j < length; ++j) {
-            WORD const a = field.halved(x[j]);
-            WORD const b = field.halved(x[j + length]);
-            x[j] = a + b;
-            x[j + length] = a - b + 2 * p;
-        }
-    }
-    for (; length > 1; length /= 4) {
-        std::size_t const m = length / 4;
-        for (std::size_t block = 0; block < n / length; ++block) {
-            FACTOR const outer = w[block];
-            FACTOR const lower = w[2 * block];
-            FACTOR const upper = w[2 * block + 1];
-            WORD* const y = x + block * length;
-            for (std::size_t j = 0; j < m; ++j) {
-                WORD const a = field.halved(y[j]);
-                WORD const b = field.halved(y[j + m]);
-                WORD const c = outer.times(y[j + 2 * m], p);
-                WORD const d = outer.times(y[j + 3 * m], p);
-                WORD const ac = field.halved(a + c);
-                WORD const bd = lower.times(b + d, p);
-                WORD const a_c = field.halved(a - c + 2 * p);
-                WORD const b_d = upper.times(b - d + 2 * p, p);
-                y[j] = ac + bd;
-                y[j + m] = ac - bd + 2 * p;
-                y[j + 2 * m] = a_c + b_d;
-                y[j + 3 * m] = a_c - b_d + 2 * p;
-            }
-        }
-    }
+/// All fields, each with an array of values of its own.
+constexpr std::size_t FIELDS = PRIMES;
+inline std::array<FIELD, FIELDS> fields() {
+    return {FIELD(0), FIELD(1), FIELD(2)};
 }
 
-/// -1 / w[b] is w[mirrored(b)] for b > 0: within 2^i <= b < 2^(i+1) the turns of w are symmetric
-/// about a quarter.
-inline std::size_t mirrored(std::size_t block) {
-    return 3 * std::bit_floor(block) - 1 - block;
+/// The number whose residues are the values at a place of each array.
+inline COLUMN coefficient(std::array<FIELD, FIELDS> const& fields, VALUE const* values,
+                          std::size_t length, std::size_t at) {
+    return number_with_residues<PRIME>({fields[0].reduced(values[at]),
+                                        fields[1].reduced(values[length + at]),
+                                        fields[2].reduced(values[2 * length + at])});
 }
 
-/// Undoes transform() up to the factor n: x, n = 2^k values in [0, 2p), from the values at the
-/// roots of unity back to coefficients, in [0, 2p).
-inline void transform_back(WORD* x, std::size_t n, FIELD const& field, FACTOR const* w) {
-    WORD const p = field.p;
-    std::size_t length = 4;
-    for (; length <= n; length *= 4) {
-        std::size_t const m = length / 4;
-        for (std::size_t block = 0; block < n / length; ++block) {
-            FACTOR const outer = block == 0 ? field.minus_one : w[mirrored(block)];
-            FACTOR const lower = block == 0 ? field.minus_one : w[mirrored(2 * block)];
-            FACTOR const upper = w[mirrored(2 * block + 1)];
-            WORD* const y = x + block * length;
-            for (std::size_t j = 0; j < m; ++j) {
-                WORD const a = y[j];
-                WORD const b = y[j + m];
-                WORD const c = y[j + 2 * m];
-                WORD const d = y[j + 3 * m];
-                WORD const ab = field.halved(a + b);
-                WORD const b_a = lower.times(b - a + 2 * p, p);
-                WORD const cd = field.halved(c + d);
-                WORD const d_c = upper.times(d - c + 2 * p, p);
-                y[j] = field.halved(ab + cd);
-                y[j + m] = field.halved(b_a + d_c);
-                y[j + 2 * m] = outer.times(cd - ab + 2 * p, p);
-                y[j + 3 * m] = outer.times(d_c - b_a + 2 * p, p);
-            }
-        }
-    }
-    if (length == 2 * n) {
-        for (std::size_t j = 0; j < n / 2; ++j) {
-            WORD const a = x[j];
-            WORD const b = x[j + n / 2];
-            x[j] = field.halved(a + b);
-            x[j + n / 2] = field.halved(a - b + 2 * p);
-        }
-    }
+} // namespace words
+
+#define BIG_ARITHMETIC words
+#define BIG_TARGET
+#include "big_convolution.h"
+#undef BIG_ARITHMETIC
+#undef BIG_TARGET
+
+// ------------------------------------------------------------------------------------------------
+// Fused multiply-add: three primes just below 2^50, side by side in one register
+// ------------------------------------------------------------------------------------------------
+
+#if BIG_FMA
+#define BIG_TARGET __attribute__((target("avx2,fma")))
+
+namespace fma {
+
+constexpr std::array<WORD, PRIMES> PRIME = {0x3fff300000001, 0x3fff960000001, 0x3fff990000001};
+
+/// The largest product in limbs: its coefficients stay below 3/4 of the product of the primes,
+/// 2^149.9, while at most 2^21 terms are added.
+constexpr std::size_t LARGEST_PRODUCT = std::size_t{1} << 22;
+
+/// The limbs of a factor from which on this is faster than adding up products, measured.
+constexpr std::size_t LONG_FACTOR = 110;
+
+constexpr std::array<std::array<WORD, 29>, PRIMES> ROOTS = {
+    roots_of_unity<28>(PRIME[0]), roots_of_unity<28>(PRIME[1]), roots_of_unity<28>(PRIME[2])};
+constexpr std::array<WORD, PRIMES> CUBE_ROOT = {
+    root_of_unity(3, PRIME[0]), root_of_unity(3, PRIME[1]), root_of_unity(3, PRIME[2])};
+constexpr std::array<WORD, PRIMES> RESIDUE_SCALE = {
+    residue_scale<PRIME>(0), residue_scale<PRIME>(1), residue_scale<PRIME>(2)};
+
+/// Whether this processor has the instructions, and rounds to nearest.
+inline bool is_available() {
+    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")
+           && std::fegetround() == FE_TONEAREST;
 }
 
-// ------------------------------------------------------------------------------------------------
-// Products
-// ------------------------------------------------------------------------------------------------
+/// A coefficient modulo each prime, as integers in double precision; the fourth place repeats the
+/// third.
+struct VALUE {
+    __m256d lanes;
+};
 
-/// Multiplies many numbers by one factor, whose transform is made once.
-class CONVOLUTION {
+/// All three primes. Values are integers of either sign. One of at most 4p < 2^52, which sums and
+/// differences of a few stay below, may be multiplied, and the product is then at most 3/4 p:
+///
+/// The quotient q of x * w by p is x * (w / p), rounded to an integer. As |w| <= p / 2 and a
+/// little, w / p is off by at most 2^-54 and x * (w / p) by at most 1/4. Then x * w - q * p comes
+/// out exactly: h = x * w as rounded and its error l = x * w - h, which one fused operation gives,
+/// are exact (Dekker 1971); h - q * p is a small integer, of which another one gives all bits; and
+/// so is its sum with l. All of this is for rounding to nearest.
+class FIELD {
 public:
-    /// @param largest limbs of the largest product to come
-    explicit CONVOLUTION(std::size_t largest)
-        : m_capacity(std::bit_ceil(largest)),
-          m_work(std::make_unique_for_overwrite<WORD[]>(PRIMES * m_capacity)),
-          m_spectrum(std::make_unique_for_overwrite<WORD[]>(PRIMES * m_capacity)),
-          m_wrapped(std::make_unique_for_overwrite<COLUMN[]>(LARGEST_EXCESS)) {
+    /// A fixed factor w with w / p.
+    struct FACTOR {
+        VALUE value;
+        VALUE ratio;
+    };
+
+    BIG_TARGET FIELD()
+        : m_p(values(PRIME)), m_inverse{_mm256_div_pd(_mm256_set1_pd(1), m_p.lanes)},
+          m_two_to_32(factor(values({WORD{1} << 32, WORD{1} << 32, WORD{1} << 32}))) {}
+
+    BIG_TARGET FACTOR minus_one() const {
+        return factor(values({PRIME[0] - 1, PRIME[1] - 1, PRIME[2] - 1}));
+    }
+    BIG_TARGET FACTOR cube_root() const { return factor(values(CUBE_ROOT)); }
+    /// The root of unity of order 2^k.
+    BIG_TARGET FACTOR root(int k) const {
+        auto const i = static_cast<std::size_t>(k);
+        return factor(values({ROOTS[0][i], ROOTS[1][i], ROOTS[2][i]}));
+    }
+    /// What the transformed factor is multiplied by for a length: 1 / length, and the scales of the
+    /// residues.
+    BIG_TARGET FACTOR scale(std::size_t length) const {
+        std::array<WORD, PRIMES> scales{};
         for (std::size_t i = 0; i < PRIMES; ++i)
-            m_roots[i] = std::make_unique_for_overwrite<FACTOR[]>(m_capacity / 2);
+            scales[i] =
+                multiply_modulo(RESIDUE_SCALE[i], inverse_of_divisor(length, PRIME[i]), PRIME[i]);
+        return factor(values(scales));
+    }
+    /// The factor for any value.
+    BIG_TARGET FACTOR factor(VALUE a) const {
+        VALUE const w = settle(a);
+        return {w, {_mm256_div_pd(w.lanes, m_p.lanes)}};
     }
 
-    /// Sets the factor b.
-    ///
-    /// @param count limbs of the products to come: each fits this many, and this is at most
-    ///              `largest`
-    void set_factor(WORD const* b, std::size_t m, std::size_t count) {
-        choose_length(count);
-        m_factor = b;
-        m_factor_limbs = m;
-        m_count = count;
-        make_roots();
-        load(b, m);
-        for (std::size_t i = 0; i < PRIMES; ++i) {
-            FIELD const& field = FIELDS[i];
-            // The transforms give N times the product, and FIELD::product() divides by 2^64.
-            WORD const two_to_64 = low_word((WIDE{1} << 64) % field.p);
-            FACTOR const scale = field.factor(
-                multiply_modulo(two_to_64, inverse_modulo(m_length, field.p), field.p));
-            for (std::size_t j = 0; j < m_length; ++j)
-                spectrum(i)[j] = field.reduced(scale.times(work(i)[j], field.p));
-        }
+    BIG_TARGET VALUE from_limb(WORD limb) const { // its halves are exact
+        VALUE const upper{_mm256_set1_pd(static_cast<double>(limb >> 32))};
+        VALUE const lower{_mm256_set1_pd(static_cast<double>(limb & 0xFFFFFFFF))};
+        return add(times(m_two_to_32, upper), lower);
     }
 
-    /// out = a * b, `count` limbs in the base.
-    template <class BASE>
-    void multiply(WORD const* a, std::size_t n, WORD* out) {
-        load(a, n);
-        finish<BASE>(a, n, out);
+    BIG_TARGET VALUE add(VALUE a, VALUE b) const { return {_mm256_add_pd(a.lanes, b.lanes)}; }
+    BIG_TARGET VALUE subtract(VALUE a, VALUE b) const { return {_mm256_sub_pd(a.lanes, b.lanes)}; }
+    BIG_TARGET VALUE times(FACTOR const& w, VALUE a) const {
+        return remainder(a, w.value, rounded_product(a, w.ratio));
     }
 
-    /// out = b * b, `count` limbs in the base. Only directly after set_factor().
-    template <class BASE>
-    void square_factor(WORD* out) {
-        finish<BASE>(m_factor, m_factor_limbs, out);
+    BIG_TARGET VALUE trim(VALUE a) const { return a; }
+
+    /// a modulo p: at most p / 2 and a little.
+    BIG_TARGET VALUE settle(VALUE a) const {
+        VALUE const quotient = rounded_product(a, m_inverse);
+        return {_mm256_fnmadd_pd(quotient.lanes, m_p.lanes, a.lanes)};
+    }
+    BIG_TARGET VALUE reduced(VALUE a) const { return settle(a); }
+
+    /// a * b, at most 7/8 p, for |a| <= 2p and |b| <= p / 2: here the quotient is off by up to 3/8.
+    BIG_TARGET VALUE product(VALUE a, VALUE b) const {
+        VALUE const product{_mm256_mul_pd(a.lanes, b.lanes)};
+        return remainder(a, b, rounded_product(product, m_inverse));
+    }
+
+    /// The residues, in [0, p), of which the fourth one is of no use.
+    BIG_TARGET std::array<WORD, 4> residues(VALUE a) const {
+        VALUE const w = settle(a);
+        __m256d const missing =
+            _mm256_and_pd(m_p.lanes, _mm256_cmp_pd(w.lanes, _mm256_setzero_pd(), _CMP_LT_OQ));
+        alignas(32) double lanes[4];
+        _mm256_store_pd(lanes, _mm256_add_pd(w.lanes, missing));
+        return {static_cast<WORD>(static_cast<long long>(lanes[0])),
+                static_cast<WORD>(static_cast<long long>(lanes[1])),
+                static_cast<WORD>(static_cast<long long>(lanes[2])), 0};
     }
 
 private:
-    static constexpr std::size_t LARGEST_EXCESS = 1024;
-
-    WORD* work(std::size_t prime) { return m_work.get() + prime * m_length; }
-    WORD* spectrum(std::size_t prime) { return m_spectrum.get() + prime * m_length; }
-
-    /// The upper coefficients of a product that a length does not hold. A few of them are cheaper
-    /// to compute one by one than to go to the next length for. Numbers whose width is a power of
-    /// two need 1.4 % more decimal limbs than binary ones, so this is the common case.
-    static constexpr std::size_t allowed_excess(std::size_t length) {
-        return std::min(std::size_t{4} << std::bit_width(length) / 2, LARGEST_EXCESS);
+    BIG_TARGET static VALUE values(std::array<WORD, PRIMES> const& w) {
+        return {_mm256_set_pd(static_cast<double>(w[2]), static_cast<double>(w[2]),
+                              static_cast<double>(w[1]), static_cast<double>(w[0]))};
+    }
+    /// a * b, below 2^51, rounded to an integer: added to 1.5 * 2^52 it has no bit below the point.
+    BIG_TARGET static VALUE rounded_product(VALUE a, VALUE b) {
+        __m256d const shift = _mm256_set1_pd(0x1.8p52);
+        return {_mm256_sub_pd(_mm256_fmadd_pd(a.lanes, b.lanes, shift), shift)};
+    }
+    /// a * b - quotient * p.
+    BIG_TARGET VALUE remainder(VALUE a, VALUE b, VALUE quotient) const {
+        __m256d const product = _mm256_mul_pd(a.lanes, b.lanes);
+        __m256d const error = _mm256_fmsub_pd(a.lanes, b.lanes, product);
+        return {_mm256_add_pd(_mm256_fnmadd_pd(quotient.lanes, m_p.lanes, product), error)};
     }
 
-    /// Takes the least length that serves.
-    void choose_length(std::size_t count) {
-        m_rows = 1;
-        m_row_length = 4;
-        while (m_row_length + allowed_excess(m_row_length) < count)
-            m_row_length *= 2;
-        std::size_t const shorter = m_row_length / 4 * 3;
-        if (m_row_length > 16 && shorter + allowed_excess(shorter) >= count) {
-            m_rows = 3;
-            m_row_length /= 4;
-        }
-        m_length = m_rows * m_row_length;
-    }
-
-    /// Extends the table of roots as far as the length needs it.
-    void make_roots() {
-        for (; m_root_count < m_row_length / 2;
-             m_root_count = m_root_count == 0 ? 1 : 2 * m_root_count)
-            for (std::size_t i = 0; i < PRIMES; ++i) {
-                FIELD const& field = FIELDS[i];
-                FACTOR* const w = m_roots[i].get();
-                if (m_root_count == 0) {
-                    w[0] = field.factor(1);
-                    continue;
-                }
-                FACTOR const turn = field.factor(field.root_of_order(4 * m_root_count));
-                for (std::size_t j = 0; j < m_root_count; ++j)
-                    w[m_root_count + j] =
-                        field.factor(field.reduced(turn.times(w[j].value, field.p)));
-            }
-    }
-
-    /// Transforms a number into m_work, modulo each prime.
-    void load(WORD const* a, std::size_t n) {
-        for (std::size_t i = 0; i < PRIMES; ++i) {
-            FIELD const& field = FIELDS[i];
-            WORD* const x = work(i);
-            if (m_rows == 1) {
-                for (std::size_t j = 0; j < n; ++j)
-                    x[j] = field.halved(field.halved(a[j]));
-                std::fill(x + n, x + m_length, WORD{0});
-                transform(x, m_length, field, m_roots[i].get());
-            } else {
-                std::fill(x, x + m_length, WORD{0});
-                for (std::size_t j = 0; j < n; ++j)
-                    x[position(j)] = field.halved(field.halved(a[j]));
-                transform_columns(x, field, 1, 2);
-                for (std::size_t row = 0; row < m_rows; ++row)
-                    transform(x + row * m_row_length, m_row_length, field, m_roots[i].get());
-            }
-        }
-    }
-
-    /// A length 3m is three rows of m values: coefficient j stands in row j modulo 3 and place j
-    /// modulo m, and the two directions are transformed without factors between them (Good 1958,
-    /// Thomas 1963).
-    std::size_t position(std::size_t j) const {
-        return m_rows == 1 ? j : j % 3 * m_row_length + j % m_row_length;
-    }
-
-    /// The transforms of length 3 down the columns, from values in [0, 2p) to [0, 4p): with c the
-    /// cube root of 1, a + b + c, a + b r + c r^2, a + b r^2 + c r. Going back is the same with the
-    /// second and third result exchanged.
-    void transform_columns(WORD* x, FIELD const& field, std::size_t second, std::size_t third) {
-        WORD const p = field.p;
-        for (std::size_t j = 0; j < m_row_length; ++j) {
-            WORD const a = x[j];
-            WORD const b = x[j + m_row_length];
-            WORD const c = x[j + 2 * m_row_length];
-            WORD const turned = field.cube_root.times(b - c + 2 * p, p);
-            x[j] = field.halved(a + b) + c;
-            x[j + second * m_row_length] = field.halved(a - c + 2 * p) + turned;
-            x[j + third * m_row_length] = field.halved(a - b + 2 * p) + 2 * p - turned;
-        }
-    }
-
-    /// Multiplies what load() left by the factor and writes the product.
-    template <class BASE>
-    void finish(WORD const* a, std::size_t n, WORD* out) {
-        for (std::size_t i = 0; i < PRIMES; ++i) {
-            FIELD const& field = FIELDS[i];
-            WORD* const x = work(i);
-            for (std::size_t j = 0; j < m_length; ++j)
-                x[j] = field.product(x[j], spectrum(i)[j]);
-            for (std::size_t row = 0; row < m_rows; ++row)
-                transform_back(x + row * m_row_length, m_row_length, field, m_roots[i].get());
-            if (m_rows == 3)
-                transform_columns(x, field, 2, 1);
-        }
-
-        // Coefficient k + N has been added to coefficient k, which is undone.
-        std::size_t const excess = m_count > m_length ? m_count - m_length : 0;
-        for (std::size_t k = 0; k < excess; ++k)
-            m_wrapped[k] = column_of(a, n, m_factor, m_factor_limbs, k + m_length);
-        COLUMN carry;
-        for (std::size_t k = 0; k < m_count; ++k) {
-            COLUMN column = k < m_length ? coefficient(position(k)) : m_wrapped[k - m_length];
-            if (k < excess)
-                column.subtract(m_wrapped[k]);
-            column.add(carry);
-            out[k] = BASE::take_digit(column);
-            carry = column;
-        }
-    }
-
-    /// The coefficient whose residues stand at a position (Garner 1959).
-    COLUMN coefficient(std::size_t at) {
-        constexpr WORD p0 = PRIME[0];
-        constexpr WORD p1 = PRIME[1];
-        constexpr WORD p2 = PRIME[2];
-        constexpr FACTOR by_p0_mod_p1(inverse_modulo(p0, p1), p1);
-        constexpr FACTOR by_p0p1_mod_p2(inverse_modulo(multiply_modulo(p0, p1, p2), p2), p2);
-        constexpr FACTOR by_p1_mod_p2(inverse_modulo(p1, p2), p2);
-        constexpr WIDE p0p1 = static_cast<WIDE>(p0) * p1;
-
-        WORD const r0 = FIELDS[0].reduced(work(0)[at]);
-        WORD const r1 = FIELDS[1].reduced(work(1)[at]);
-        WORD const r2 = FIELDS[2].reduced(work(2)[at]);
-        WORD const t1 = FIELDS[1].reduced(by_p0_mod_p1.times(r1 + p1 - r0, p1));
-        WORD const t2 = FIELDS[2].reduced(by_p0p1_mod_p2.times(r2 + p2 - r0, p2) + 2 * p2
-                                          - by_p1_mod_p2.times(t1, p2));
-        COLUMN value;
-        value.low = static_cast<WIDE>(p0) * t1 + r0;
-        WIDE const middle = static_cast<WIDE>(high_word(p0p1)) * t2;
-        value.high = high_word(middle);
-        value.add(static_cast<WIDE>(low_word(middle)) << 64);
-        value.add(static_cast<WIDE>(low_word(p0p1)) * t2);
-        return value;
-    }
-
-    std::size_t m_capacity;              ///< of m_work and m_spectrum, in values
-    std::unique_ptr<WORD[]> m_work;      ///< values of each prime, one after the other
-    std::unique_ptr<WORD[]> m_spectrum;  ///< the transformed factor, scaled, in [0, p)
-    std::unique_ptr<COLUMN[]> m_wrapped; ///< coefficients beyond the length
-    std::unique_ptr<FACTOR[]> m_roots[PRIMES];
-    std::size_t m_root_count = 0;
-
-    std::size_t m_rows = 1;
-    std::size_t m_row_length = 0;
-    std::size_t m_length = 0; ///< rows times row length
-
-    WORD const* m_factor = nullptr;
-    std::size_t m_factor_limbs = 0;
-    std::size_t m_count = 0;
+    VALUE m_p;
+    VALUE m_inverse;
+    FACTOR m_two_to_32;
 };
+
+constexpr std::size_t FIELDS = 1;
+BIG_TARGET inline std::array<FIELD, FIELDS> fields() {
+    return {FIELD()};
+}
+
+BIG_TARGET inline COLUMN coefficient(std::array<FIELD, FIELDS> const& fields, VALUE const* values,
+                                     std::size_t, std::size_t at) {
+    std::array<WORD, 4> const residues = fields[0].residues(values[at]);
+    return number_with_residues<PRIME>({residues[0], residues[1], residues[2]});
+}
+
+} // namespace fma
+
+#define BIG_ARITHMETIC fma
+#include "big_convolution.h"
+#undef BIG_ARITHMETIC
+#undef BIG_TARGET
+#endif
 
 } // namespace big_natural
 

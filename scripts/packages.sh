@@ -3,8 +3,8 @@
 # What the library, the standalone platform and the tool are built with
 PACKAGES_TO_BUILD=(cmake g++ ninja-build libcli11-dev libtomlplusplus-dev)
 # What the tests need beyond that
-PACKAGES_TO_TEST=(clang libclang-rt-dev libgtest-dev libgmock-dev libboost-dev pkgconf locales iverilog
-                  clang-format clang-tidy doxygen)
+PACKAGES_TO_TEST=(clang libclang-rt-dev libgtest-dev libgmock-dev libboost-dev libgmp-dev pkgconf locales
+                  iverilog gtkwave perl clang-format clang-tidy doxygen)
 
 # Installs those of the Debian packages that are missing, as root or with sudo.
 need() {

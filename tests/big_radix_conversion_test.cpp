@@ -68,8 +68,7 @@ CASE const CASES[] = {
     {"one below", "-129", BIG_SIGNED_DEC, BIG_SIGNED_DEC, 8, 2, "127"},
     {"one above the highest", "128", BIG_SIGNED_DEC, BIG_SIGNED_DEC, 8, 2, "-128"},
     {"a multiple of 2^width", "-256", BIG_SIGNED_DEC, BIG_SIGNED_DEC, 8, 2, "0"},
-    {"negative as unsigned", "-1", BIG_SIGNED_DEC, BIG_UNSIGNED_DEC, 64, 0,
-     "18446744073709551615"},
+    {"negative as unsigned", "-1", BIG_SIGNED_DEC, BIG_UNSIGNED_DEC, 64, 0, "18446744073709551615"},
     {"beyond a word", "-1", BIG_SIGNED_DEC, BIG_UNSIGNED_DEC, 65, 0, "36893488147419103231"},
     {"minus 2^63", "8000000000000000", BIG_HEX, BIG_SIGNED_DEC, 64, 0, "-9223372036854775808"},
     {"2^63 - 1", "7FFFFFFFFFFFFFFF", BIG_HEX, BIG_SIGNED_DEC, 64, 0, "9223372036854775807"},
@@ -104,10 +103,9 @@ TEST(BigRadixConversion, EmptySourceIsAnInternalErrorBeforeAnythingElse) {
     for (unsigned from = 0; from <= 7; ++from)
         for (unsigned to = 0; to <= 7; ++to) {
             SCOPED_TRACE(std::to_string(from) + " to " + std::to_string(to));
-            EXPECT_INTERNAL_ERROR(
-                big_radix_conversion("", &result, static_cast<BIG_RADIX>(from),
-                                     static_cast<BIG_RADIX>(to), 2000),
-                "source.size() > 0", "2", "big/big_radix");
+            EXPECT_INTERNAL_ERROR(big_radix_conversion("", &result, static_cast<BIG_RADIX>(from),
+                                                       static_cast<BIG_RADIX>(to), 2000),
+                                  "source.size() > 0", "2", "big/big_radix");
         }
     EXPECT_EQ(result, "abc");
 }
@@ -241,8 +239,8 @@ TEST(BigRadixConversion, NeighboursOfPowersOfTwoAgreeWithTheRules) {
         for (std::string const& bits : {"1" + zeros, "0" + ones, "1" + ones, "01" + zeros})
             for (BIG_RADIX const to : {BIG_SIGNED_DEC, BIG_UNSIGNED_DEC})
                 for (int offset = -1; offset <= 1; ++offset) {
-                    auto const width = static_cast<unsigned int>(static_cast<int>(bits.size())
-                                                                 + offset);
+                    auto const width =
+                        static_cast<unsigned int>(static_cast<int>(bits.size()) + offset);
                     SCOPED_TRACE(describe(bits, BIG_BIN, to, width));
                     CONVERSION const there = convert(bits, BIG_BIN, to, width);
                     ASSERT_EQ(there, radix_oracle::convert(bits, "", BIG_BIN, to, width));

@@ -67,14 +67,13 @@ TEST(BigRadixFromBinary, EveryPairOfDigitsInAGroupIsANumberOrOneValueOrX) {
     for (char const a : all)
         for (char const b : all)
             for (int const bits : {1, 3, 4})
-                for (std::string binary :
-                     {std::string{a, b}, std::string{a, b, b}, std::string{a, a, b, b},
-                      std::string{b, a, a, a, a}}) {
+                for (std::string binary : {std::string{a, b}, std::string{a, b, b},
+                                           std::string{a, a, b, b}, std::string{b, a, a, a, a}}) {
                     SCOPED_TRACE(binary + " by " + std::to_string(bits));
                     std::string result;
                     EXPECT_TRUE(big_binary_to_number(&binary, &result, bits));
-                    EXPECT_EQ(result, radix_oracle::groups_of(binary,
-                                                              static_cast<std::size_t>(bits)));
+                    EXPECT_EQ(result,
+                              radix_oracle::groups_of(binary, static_cast<std::size_t>(bits)));
                 }
 }
 
@@ -142,8 +141,8 @@ TEST(BigRadixFromBinary, RandomNumbersAgreeWithHornersRule) {
     std::mt19937_64 random(532);
     for (int i = 0; i < MANY; ++i) {
         bool const is_signed = i % 2 == 0;
-        std::string binary = random_source(
-            random, BIG_BIN, 1 + random() % (i % 50 == 0 ? 2500 : 200), i % 5 == 0);
+        std::string binary =
+            random_source(random, BIG_BIN, 1 + random() % (i % 50 == 0 ? 2500 : 200), i % 5 == 0);
         SCOPED_TRACE(binary + (is_signed ? " signed" : " unsigned"));
         std::string result;
         ASSERT_TRUE(big_binary_to_dec(&binary, &result, is_signed));
@@ -232,7 +231,7 @@ TEST(BigRadixFromBinary, AFixedPointNumberReplacesWhatIsThereAndALogicValueDoesN
     std::string result = "before";
     EXPECT_TRUE(big_convert_from_binary(&binary, &result, BIG_FRAC_FIX_POINT, 4));
     EXPECT_EQ(result, "0.5");
-    binary = "Z";
+    binary = 'Z';
     EXPECT_TRUE(big_convert_from_binary(&binary, &result, BIG_FRAC_FIX_POINT, 4));
     EXPECT_EQ(result, "0.5Z");
     binary = "01000001";

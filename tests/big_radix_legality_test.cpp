@@ -47,7 +47,11 @@ LEGALITY_CASE const LEGALITY_CASES[] = {
     {"a tab is not printable", "a\tb", BIG_ASCII, false},
     {"nor is 0x7F", "a\x7F", BIG_ASCII, false},
     {"nor is a byte with the top bit", "\x80", BIG_ASCII, false},
-    {"a NUL inside belongs to no radix", std::string("1\0" "1", 3), BIG_BIN, false},
+    {"a NUL inside belongs to no radix",
+     std::string("1\0"
+                 "1",
+                 3),
+     BIG_BIN, false},
     {"nor is it printable", std::string("a\0", 2), BIG_ASCII, false},
 };
 
@@ -167,9 +171,9 @@ TEST(BigRadixCharacters, ValueWithXOrZOrALevelIsNotReadable) {
         bool is_readable;
     } const cases[] = {
         // value   readable
-        {"0", true},    {"-12.5E3", true}, {"", true},     {"0u1", true},  {"U", true},
-        {"W", true},    {"-", true},       {"u-w", true},  {"X", false},   {"x", false},
-        {"Z", false},   {"1z", false},     {"0h1", false}, {"H", false},   {"l", false},
+        {"0", true},    {"-12.5E3", true}, {"", true},     {"0u1", true}, {"U", true},
+        {"W", true},    {"-", true},       {"u-w", true},  {"X", false},  {"x", false},
+        {"Z", false},   {"1z", false},     {"0h1", false}, {"H", false},  {"l", false},
         {"12L", false}, {"UX", false},
     };
     for (auto const& c : cases) {

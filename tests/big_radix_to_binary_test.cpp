@@ -207,19 +207,21 @@ TEST(BigRadixToBinary, PowersOfTwoAndTheirNeighboursAreExact) {
             digits.push_back(c - '0');
         std::reverse(digits.begin(), digits.end());
 
+        std::string const zeros(static_cast<std::size_t>(exponent), '0');
+        std::string const ones(static_cast<std::size_t>(exponent), '1');
         std::string result;
         EXPECT_TRUE(big_dec_to_binary(power, &result, false));
-        EXPECT_EQ(result, "1" + std::string(static_cast<std::size_t>(exponent), '0'));
+        EXPECT_EQ(result, std::string("1").append(zeros));
         std::string below = power; // a power of two above 1 does not end in 0
         if (exponent > 0) {
             --below.back();
             result.clear();
             EXPECT_TRUE(big_dec_to_binary(below, &result, false));
-            EXPECT_EQ(result, std::string(static_cast<std::size_t>(exponent), '1'));
+            EXPECT_EQ(result, ones);
         }
         result.clear();
-        EXPECT_TRUE(big_dec_to_binary("-" + power, &result, true));
-        EXPECT_EQ(result, "11" + std::string(static_cast<std::size_t>(exponent), '0'));
+        EXPECT_TRUE(big_dec_to_binary(std::string("-").append(power), &result, true));
+        EXPECT_EQ(result, std::string("11").append(zeros));
 
         big_multiply_dec_by_two(&digits);
         power.clear();
@@ -292,8 +294,8 @@ ASCII_CASE const ASCII_CASES[] = {
     {"2^33 + 256", "[8589934848]", BIG_ASCII_CODE_TOO_LARGE, "", "8589934848"},
     {"2^63 - 2^32 + 1, the largest group that fits", "[9223372032559808513]", BIG_ASCII_OK,
      "111111111111111111111111111111100000000000000000000000000000001", ""},
-    {"from 2^63 on a code stays at 2^63 - 1", "[9223372036854775808]", BIG_ASCII_CODE_TOO_LARGE,
-     "", "9223372036854775808"},
+    {"from 2^63 on a code stays at 2^63 - 1", "[9223372036854775808]", BIG_ASCII_CODE_TOO_LARGE, "",
+     "9223372036854775808"},
     {"2^64 + 65 as well", "[18446744073709551681]", BIG_ASCII_CODE_TOO_LARGE, "",
      "18446744073709551681"},
     {"a letter in a code", "[6x]", BIG_ASCII_BAD_CODE, "", "6x"},
@@ -346,7 +348,9 @@ TEST(BigRadixToBinary, EachUnprintableByteWritesADebugMessage) {
         std::string result;
         BIG_ASCII_CHECK_RESULT check = BIG_ASCII_OK;
         // None for the bytes of a blank code, and none for what stands behind a failure.
-        EXPECT_FALSE(big_ascii_to_binary("\x01" "A\xFF[\n]\t[]\x02", &result, &check, emit));
+        EXPECT_FALSE(big_ascii_to_binary("\x01"
+                                         "A\xFF[\n]\t[]\x02",
+                                         &result, &check, emit));
         EXPECT_EQ(check, BIG_ASCII_EMPTY_CODE);
         EXPECT_EQ(recording::reports(), std::vector<recording::CALL>(3, message));
     }
@@ -366,8 +370,8 @@ TEST(BigRadixToBinary, RandomAsciiTextsAgreeWithTheRules) {
         BIG_ASCII_CHECK_RESULT check = BIG_ASCII_OK;
         ASSERT_EQ(big_ascii_to_binary(source, &result, &check, true), expected.is_legal);
         ASSERT_EQ(check, expected.check);
-        ASSERT_EQ(result, expected.offending_code.empty() ? expected.digits
-                                                          : expected.offending_code);
+        ASSERT_EQ(result,
+                  expected.offending_code.empty() ? expected.digits : expected.offending_code);
         ASSERT_EQ(recording::reports().size(), expected.debug_messages);
     }
     recording::clear();
@@ -462,8 +466,8 @@ WIDTH_CASE const WIDTH_CASES[] = {
 
 TEST(BigRadixToBinary, DigitsAreFittedToTheWidth) {
     for (WIDTH_CASE const& c : WIDTH_CASES) {
-        SCOPED_TRACE(std::string(c.why) + ": " + name_of(c.radix) + " \"" + c.source
-                     + "\", width " + std::to_string(c.width));
+        SCOPED_TRACE(std::string(c.why) + ": " + name_of(c.radix) + " \"" + c.source + "\", width "
+                     + std::to_string(c.width));
         std::string result;
         EXPECT_EQ(big_convert_to_binary(c.source, &result, c.radix, c.width), c.status);
         EXPECT_EQ(result, c.digits);
@@ -491,9 +495,8 @@ TEST(BigRadixToBinary, RandomDigitsAreFittedByTheRules) {
 TEST(BigRadixToBinary, UnknownRadixIsAnInternalError) {
     std::string result;
     for (unsigned radix : {7u, 8u, 0x80000000u, 0xFFFFFFFFu})
-        EXPECT_INTERNAL_ERROR(
-            big_convert_to_binary("1", &result, static_cast<BIG_RADIX>(radix), 8),
-            "Invalid radix.", "2", "big/big_radix");
+        EXPECT_INTERNAL_ERROR(big_convert_to_binary("1", &result, static_cast<BIG_RADIX>(radix), 8),
+                              "Invalid radix.", "2", "big/big_radix");
     EXPECT_EQ(result, "");
 }
 
@@ -531,12 +534,7 @@ TEST(BigRadixDigitVectors, DoublingCarriesIntoANewDigit) {
         DIGITS product;
     } const cases[] = {
         // digits     product, least significant first
-        {{}, {}},
-        {{0}, {0}},
-        {{4}, {8}},
-        {{5}, {0, 1}},
-        {{9, 9}, {8, 9, 1}},
-        {{5, 0}, {0, 1}},
+        {{}, {}}, {{0}, {0}}, {{4}, {8}}, {{5}, {0, 1}}, {{9, 9}, {8, 9, 1}}, {{5, 0}, {0, 1}},
     };
     for (auto const& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.digits));

@@ -10,7 +10,7 @@
 namespace {
 
 TEST(BigqDocs, ExamplesOfTheReferenceAreTrue) {
-    expect_true_examples(examples_of_page("docs/bigq.md"), 15, BIG_SOURCE_ROOT "/examples");
+    expect_true_examples(examples_of_page("docs/bigq.md"), 25, BIG_SOURCE_ROOT "/examples");
 }
 
 TEST(BigqDocs, ExamplesOfTheSamplesAreTrue) {
@@ -22,8 +22,10 @@ TEST(BigqDocs, ExamplesOfTheReadmeAreTrue) {
 }
 
 TEST(BigqDocs, ExamplesOfTheHelpAreTrue) {
-    std::istringstream help(run_shell("bigq time --help").out);
-    expect_true_examples(examples_in(help, "Examples:", "", "  "), 4, "");
+    for (char const* command : {"bigq radix --help", "bigq time --help"}) {
+        std::istringstream help(run_shell(command).out);
+        expect_true_examples(examples_in(help, "Examples:", "", "  "), 4, "");
+    }
 }
 
 TEST(BigqDocs, SamplesAreWhatTheSimulatorWrites) {

@@ -368,7 +368,7 @@ TEST(BigqTime, AWrongCommandLineReturns2AndDoesNothing) {
     // clang-format off
     run_cases({
         {"no command",             "bigq",                             "1 ns\n", "", "bigq: expected a command" + top_hint, 2},
-        {"no such command",        "bigq tame",                        "1 ns\n", "", "bigq: \"tame\" is not a command: expected time" + top_hint, 2},
+        {"no such command",        "bigq tame",                        "1 ns\n", "", "bigq: \"tame\" is not a command: expected radix, time" + top_hint, 2},
         {"no such option",         "bigq time --tos ns",               "1 ns\n", "", "bigq: time: The following argument was not expected: --tos" + hint, 2},
         {"no such letter",         "bigq time -x",                     "1 ns\n", "", "bigq: time: The following argument was not expected: -x" + hint, 2},
         {"no value",               "bigq time --to",                   "1 ns\n", "", "bigq: time: --to: expected a value" + hint, 2},

@@ -3,6 +3,7 @@
 #include "command_line.h"
 #include "exit_status.h"
 #include "output.h"
+#include "radix_command.h"
 #include "text.h"
 #include "time_command.h"
 
@@ -21,6 +22,7 @@ struct COMMAND {
 };
 
 constexpr COMMAND COMMANDS[] = {
+    {"radix", "convert bit vectors between radixes", run_radix},
     {"time", "convert times, frequencies and data rates", run_time},
 };
 

@@ -131,11 +131,12 @@ BITS bits_of_decimal(std::string const& source, bool is_signed) {
         number += c == 'H' ? '1' : c == 'L' ? '0' : c;
     }
     if (!has_other) {
-        bits.digits = "Z";
+        bits.digits = 'Z';
     } else if (has_unknown || has_z) {
-        bits.digits = "X";
+        bits.digits = 'X';
     } else {
-        bits.digits = (is_signed ? "0" : "") + binary_of_decimal(number);
+        std::string const sign_digit = is_signed ? "0" : "";
+        bits.digits = sign_digit + binary_of_decimal(number);
         if (is_negative)
             bits.digits = two_s_complement(bits.digits);
     }
@@ -229,8 +230,8 @@ unsigned int fit_as_it_is(std::string& digits, bool is_signed, bool is_ascii, un
             digits = extension(digits, missing) + digits;
         return 0;
     }
-    bool is_lowest = is_signed && n == width + std::size_t{1} && digits[0] == '1'
-                     && digits[1] == '1';
+    bool is_lowest =
+        is_signed && n == width + std::size_t{1} && digits[0] == '1' && digits[1] == '1';
     for (std::size_t i = 2; i + 1 < n; ++i)
         is_lowest = is_lowest && digits[i] == '0';
     digits = digits.substr(n - width);
@@ -283,8 +284,8 @@ std::string decimal_of(std::string const& digits, bool is_signed) {
     if (digits.empty())
         return "";
     bool const is_negative = is_signed && digits[0] == '1';
-    return (is_negative ? "-" : "")
-           + decimal_of_binary(is_negative ? two_s_complement(digits) : digits);
+    std::string const sign = is_negative ? "-" : "";
+    return sign + decimal_of_binary(is_negative ? two_s_complement(digits) : digits);
 }
 
 std::string fixed_point_of(std::string const& digits, unsigned int width) {
@@ -311,7 +312,7 @@ std::string ascii_of(std::string const& digits) {
         if (c == ' ')
             piece = "[ ]";
         else if (!is_printable(c))
-            piece = "[" + std::to_string(byte) + "]";
+            piece = std::string("[").append(std::to_string(byte)).append("]");
         else if (is_one_of(c, "[\\]"))
             piece = std::string("\\") + c;
         text = piece + text;
@@ -378,12 +379,14 @@ std::string random_source(std::mt19937_64& random, BIG_RADIX radix, std::size_t 
     static std::string const logic = "xXzZuUwW-hHlL";
     static std::string const digits[] = {"01",         "01234567",   "0123456789abcdefABCDEF",
                                          "0123456789", "0123456789", "0123456789"};
-    auto const below = [&](std::size_t bound) { return static_cast<std::size_t>(random() % bound); };
+    auto const below = [&](std::size_t bound) {
+        return static_cast<std::size_t>(random() % bound);
+    };
     std::string source;
     if (radix == BIG_ASCII) {
         for (std::size_t i = 0; i < length; ++i)
             switch (below(12)) {
-            case 0: source += "[" + std::to_string(below(256)) + "]"; break;
+            case 0: source.append("[").append(std::to_string(below(256))).append("]"); break;
             case 1: source += std::string("\\") + "[\\]"[below(3)]; break;
             case 2: source += "[ ]"; break;
             case 3: source += with_logic ? static_cast<char>(random()) : 'a'; break;
