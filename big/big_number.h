@@ -7,8 +7,8 @@
 /// There are two kinds with the same operations, one for numbers of a single word and one for all,
 /// so that what is done with them is written once.
 
-#include "big_radix_digits.h"
 #include "big_natural.h"
+#include "big_radix_digits.h"
 
 #include <algorithm>
 #include <bit>

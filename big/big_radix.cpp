@@ -22,8 +22,8 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 
 #include "big_radix.h"
 
-#include "big_radix_digits.h"
 #include "big_number.h"
+#include "big_radix_digits.h"
 #include "gen_sys.h"
 
 #include <algorithm>

@@ -55,7 +55,7 @@ RADIX const RADIXES[] = {
     {"hexadecimal", 4, "0123456789ABCDEFabcdef", read_hex, write_hex},
 };
 
-TEST(BigDigits, NumbersAreWrittenAtEveryLength) {
+TEST(BigRadixDigits, NumbersAreWrittenAtEveryLength) {
     std::mt19937_64 random(601);
     for (RADIX const& radix : RADIXES)
         for (std::size_t n = 0; n <= 200; ++n)
@@ -70,7 +70,7 @@ TEST(BigDigits, NumbersAreWrittenAtEveryLength) {
             }
 }
 
-TEST(BigDigits, NumbersAreReadAtEveryLength) {
+TEST(BigRadixDigits, NumbersAreReadAtEveryLength) {
     std::mt19937_64 random(602);
     for (RADIX const& radix : RADIXES)
         for (std::size_t n = 1; n <= 200; ++n) {
@@ -89,7 +89,7 @@ TEST(BigDigits, NumbersAreReadAtEveryLength) {
         }
 }
 
-TEST(BigDigits, OneOtherCharacterAnywhereIsNoticed) {
+TEST(BigRadixDigits, OneOtherCharacterAnywhereIsNoticed) {
     for (RADIX const& radix : RADIXES) {
         std::string const digits = radix.digits;
         for (std::size_t n : {1u, 5u, 8u, 15u, 16u, 17u, 24u, 63u, 64u, 70u, 130u})
@@ -105,7 +105,7 @@ TEST(BigDigits, OneOtherCharacterAnywhereIsNoticed) {
     }
 }
 
-TEST(BigDigits, BlocksOfBinaryDigitsAreWrittenInHexadecimalEvenOverThemselves) {
+TEST(BigRadixDigits, BlocksOfBinaryDigitsAreWrittenInHexadecimalEvenOverThemselves) {
     std::mt19937_64 random(603);
     for (int i = 0; i < MANY; ++i) {
         WORDS const words = random_words(random, 1);
@@ -126,7 +126,7 @@ TEST(BigDigits, BlocksOfBinaryDigitsAreWrittenInHexadecimalEvenOverThemselves) {
         }
 }
 
-TEST(BigDigits, EveryByteIsWrittenAndReadInBinary) {
+TEST(BigRadixDigits, EveryByteIsWrittenAndReadInBinary) {
     for (WORD number = 0; number < 256; ++number) {
         WORD const characters = eight_bit_characters(number);
         EXPECT_TRUE(are_bits(characters));
@@ -139,7 +139,7 @@ TEST(BigDigits, EveryByteIsWrittenAndReadInBinary) {
 
 // --- Decimal -------------------------------------------------------------------------------------
 
-TEST(BigDigits, DecimalLengthTurnsAtThePowersOfTen) {
+TEST(BigRadixDigits, DecimalLengthTurnsAtThePowersOfTen) {
     EXPECT_EQ(decimal_length(0), 1u);
     for (std::size_t length = 1; length <= 19; ++length) {
         WORD const power = POWER_OF_TEN[length];
@@ -155,7 +155,7 @@ TEST(BigDigits, DecimalLengthTurnsAtThePowersOfTen) {
     }
 }
 
-TEST(BigDigits, EveryFourDecimalDigitsAreWrittenInEitherHalfOfEight) {
+TEST(BigRadixDigits, EveryFourDecimalDigitsAreWrittenInEitherHalfOfEight) {
     for (WORD number = 0; number < 10000; ++number) {
         std::string const four = std::to_string(10000 + number).substr(1);
         std::string text(8, '?');
@@ -166,7 +166,7 @@ TEST(BigDigits, EveryFourDecimalDigitsAreWrittenInEitherHalfOfEight) {
     }
 }
 
-TEST(BigDigits, DecimalNumbersAreWrittenAndReadAtEveryLength) {
+TEST(BigRadixDigits, DecimalNumbersAreWrittenAndReadAtEveryLength) {
     std::mt19937_64 random(604);
     for (std::size_t n = 1; n <= 20; ++n)
         for (int i = 0; i < MANY / 20; ++i) {
@@ -186,7 +186,7 @@ TEST(BigDigits, DecimalNumbersAreWrittenAndReadAtEveryLength) {
         }
 }
 
-TEST(BigDigits, OneCharacterThatIsNoDecimalDigitIsNoticed) {
+TEST(BigRadixDigits, OneCharacterThatIsNoDecimalDigitIsNoticed) {
     for (std::size_t n = 1; n <= 40; ++n)
         for (std::size_t at = 0; at < n; ++at)
             for (int byte = 0; byte < 256; ++byte) {
@@ -198,7 +198,7 @@ TEST(BigDigits, OneCharacterThatIsNoDecimalDigitIsNoticed) {
             }
 }
 
-TEST(BigDigits, LongDecimalNumbersAreReadInLimbsOf19Digits) {
+TEST(BigRadixDigits, LongDecimalNumbersAreReadInLimbsOf19Digits) {
     std::mt19937_64 random(605);
     for (std::size_t n = 1; n <= 100; ++n) {
         std::string text;
