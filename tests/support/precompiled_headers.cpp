@@ -1,0 +1,2 @@
+// The headers are CMake's to include.
+int main() {}
