@@ -2,6 +2,7 @@
 
 #include "command_line.h"
 #include "json.h"
+#include "number_text.h"
 #include "output.h"
 #include "text.h"
 #include "time_text.h"
@@ -39,11 +40,9 @@ char const* order_with_period(BIG_TIME const& time, BIG_TIME const& frequency) {
     if (time.get_time_value() <= 0) { // a period is above 0
         return "<";
     }
-    auto const u128 = [](long long value) {
-        return BIG_ULONG128(static_cast<unsigned long long>(value));
-    };
-    BIG_ULONG128 const product = u128(time.get_time_value()) * u128(frequency.get_time_value());
-    BIG_ULONG128 const one = u128(HERTZ_TIMES_PICOSECONDS);
+    BIG_ULONG128 const product =
+        u128_of(time.get_time_value()) * u128_of(frequency.get_time_value());
+    BIG_ULONG128 const one = u128_of(HERTZ_TIMES_PICOSECONDS);
     return order_of(product == one, product < one);
 }
 

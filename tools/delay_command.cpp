@@ -79,11 +79,8 @@ OUTCOME DELAY_CONVERSION::convert(std::string const& text, std::string& result,
 
 /// Whether a result is delay x from / to, and not a rounded one. The library computes it in double.
 bool DELAY_CONVERSION::is_exact(int delay, std::string const& result) const {
-    auto const u128 = [](long long value) {
-        return BIG_ULONG128(static_cast<unsigned long long>(value));
-    };
-    return is_quotient(result, u128(delay) * u128(m_from.get_storage_number()),
-                       u128(m_to.get_storage_number()));
+    return is_quotient(result, u128_of(delay) * u128_of(m_from.get_storage_number()),
+                       u128_of(m_to.get_storage_number()));
 }
 
 /// Writes a delay in the radix that was asked for. Returns false when it is not whole, or too

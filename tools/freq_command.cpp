@@ -114,9 +114,7 @@ OUTCOME FREQ_CONVERSION::invert_period(std::string& result, std::string& problem
     }
     result += std::string(" ") + BIG_TIME::get_time_unit_string(unit);
     if (is_asked_for
-        || is_quotient(m_hertz,
-                       BIG_ULONG128(static_cast<unsigned long long>(HERTZ_TIMES_PICOSECONDS)),
-                       BIG_ULONG128(static_cast<unsigned long long>(picoseconds)))) {
+        || is_quotient(m_hertz, u128_of(HERTZ_TIMES_PICOSECONDS), u128_of(picoseconds))) {
         return OUTCOME::CONVERTED;
     }
     problem = "loses digits: its frequency is rounded to " + m_hertz + " Hz";

@@ -85,7 +85,7 @@ bool GCD_CONVERSION::reduce(std::string& result, std::string& problem) {
     for (std::size_t i = 0; i < 2; ++i) {
         INTEGER& integer = m_integers[i];
         // The library leaves -2^63 negative where it would have to negate it.
-        if (integer.magnitude > BIG_ULONG128(static_cast<unsigned long long>(LLONG_MAX))) {
+        if (integer.magnitude > u128_of(LLONG_MAX)) {
             problem = "is too large: expected a magnitude of at most " + std::to_string(LLONG_MAX);
             return false;
         }

@@ -12,6 +12,11 @@
 /// The largest number of 128 bits, for a message.
 inline constexpr char const* LARGEST_U128 = "340282366920938463463374607431768211455";
 
+/// A number of 0 or more.
+inline BIG_ULONG128 u128_of(long long value) {
+    return BIG_ULONG128(static_cast<unsigned long long>(value));
+}
+
 /// Reads a whole text as decimal digits, or as 0x (or 0X) and hexadecimal digits.
 ///
 /// @param value   receives the number; any value when there is none
