@@ -114,7 +114,7 @@ TEST(BigqFreq, PeriodsBelowAMicrosecondComeBack) {
     SCOPED_TRACE("seed " + std::to_string(SEED));
     std::mt19937 random(SEED);
     std::string periods;
-    for (int i = 0; i < 3000; ++i) {
+    for (unsigned int i = 0; i < 3000; ++i) {
         periods += std::to_string(1 + random() % 999'999 / (1 + i % 100)) + " ps\n";
     }
     EXPECT_TRUE(run_shell("(bigq freq | bigq freq) 2>/dev/null", periods).out == periods);

@@ -40,9 +40,9 @@ void EXPRESSION_SCANNER::refuse_number(std::string_view number, std::string cons
     throw EXPRESSION_ERROR(problem_of_part(m_whole, number, problem));
 }
 
-void EXPRESSION_SCANNER::refuse(char const* expected) const {
+void EXPRESSION_SCANNER::refuse(std::string const& expected) const {
     throw EXPRESSION_ERROR(
-        std::string("is not an expression: expected ") + expected
+        "is not an expression: expected " + expected
         + (m_text.empty() ? " at its end" : ", not " + in_quotes(character_at(m_text, 0))));
 }
 

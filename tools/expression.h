@@ -47,7 +47,7 @@ public:
     [[noreturn]] void refuse_number(std::string_view number, std::string const& problem) const;
 
     /// Throws EXPRESSION_ERROR: something else is next than is expected.
-    [[noreturn]] void refuse(char const* expected) const;
+    [[noreturn]] void refuse(std::string const& expected) const;
 
 private:
     void skip_blanks();
@@ -56,28 +56,29 @@ private:
     std::string_view m_text; ///< what is left of it
 };
 
-/// Computes expressions.
+/// Computes the expression of a text.
 ///
-/// An ARITHMETIC has the type VALUE of its numbers and
+/// An ARITHMETIC has
 ///
-///     bool read(std::string_view text, VALUE& value, std::string& problem)
-///     VALUE result(char op, VALUE const& a, VALUE const& b)
+///     VALUE                                  the type of its numbers
+///     OPERATORS                              a text of its operators, for a message
+///     bool read(text, value, problem)        reads a number with its sign, or says what is wrong
+///     VALUE result(op, a, b)                 a + b and the like, or throws EXPRESSION_ERROR
 ///
-/// of which the first reads a number with its sign or says what is wrong with it, and the second
-/// gives a + b and the like, or throws EXPRESSION_ERROR.
+/// all of them static.
 template <typename ARITHMETIC>
 class EXPRESSION {
 public:
     using VALUE = typename ARITHMETIC::VALUE;
 
-    explicit EXPRESSION(ARITHMETIC& arithmetic) : m_arithmetic(arithmetic) {}
+    /// @param text without a NUL; it has to live as long
+    explicit EXPRESSION(std::string_view text) : m_scanner(text) {}
 
-    /// The value of a text. Throws EXPRESSION_ERROR when it has none.
-    VALUE value_of(std::string_view text) {
-        EXPRESSION_SCANNER scanner(text);
-        VALUE const value = sum(scanner, 0);
-        if (scanner.next() != '\0') {
-            scanner.refuse("an operator (+ - * / %)");
+    /// The value. To be called once. Throws EXPRESSION_ERROR when there is none.
+    VALUE value() {
+        VALUE const value = sum(0);
+        if (m_scanner.next() != '\0') {
+            m_scanner.refuse(an_operator());
         }
         return value;
     }
@@ -86,48 +87,52 @@ private:
     /// Parentheses that may be open at once; each takes some of the stack.
     static constexpr int DEEPEST = 100;
 
-    VALUE sum(EXPRESSION_SCANNER& scanner, int depth) {
-        VALUE value = product(scanner, depth);
-        while (char const op = scanner.take("+-")) {
-            value = m_arithmetic.result(op, value, product(scanner, depth));
+    static std::string an_operator() {
+        return std::string("an operator (") + ARITHMETIC::OPERATORS + ')';
+    }
+
+    VALUE sum(int depth) {
+        VALUE value = product(depth);
+        while (char const op = m_scanner.take("+-")) {
+            value = ARITHMETIC::result(op, value, product(depth));
         }
         return value;
     }
 
-    VALUE product(EXPRESSION_SCANNER& scanner, int depth) {
-        VALUE value = operand(scanner, depth);
-        while (char const op = scanner.take("*/%")) {
-            value = m_arithmetic.result(op, value, operand(scanner, depth));
+    VALUE product(int depth) {
+        VALUE value = operand(depth);
+        while (char const op = m_scanner.take("*/%")) {
+            value = ARITHMETIC::result(op, value, operand(depth));
         }
         return value;
     }
 
-    VALUE operand(EXPRESSION_SCANNER& scanner, int depth) {
-        if (!scanner.take("(")) {
-            return number(scanner);
+    VALUE operand(int depth) {
+        if (!m_scanner.take("(")) {
+            return number();
         }
         if (depth == DEEPEST) {
             throw EXPRESSION_ERROR("is not an expression: expected at most "
                                    + std::to_string(DEEPEST) + " open parentheses");
         }
-        VALUE const value = sum(scanner, depth + 1);
-        if (!scanner.take(")")) {
-            scanner.refuse("an operator (+ - * / %) or )");
+        VALUE const value = sum(depth + 1);
+        if (!m_scanner.take(")")) {
+            m_scanner.refuse(an_operator() + " or )");
         }
         return value;
     }
 
-    VALUE number(EXPRESSION_SCANNER& scanner) {
-        std::string_view const text = scanner.take_number();
+    VALUE number() {
+        std::string_view const text = m_scanner.take_number();
         VALUE value;
         std::string problem;
-        if (!m_arithmetic.read(text, value, problem)) {
-            scanner.refuse_number(text, problem);
+        if (!ARITHMETIC::read(text, value, problem)) {
+            m_scanner.refuse_number(text, problem);
         }
         return value;
     }
 
-    ARITHMETIC& m_arithmetic;
+    EXPRESSION_SCANNER m_scanner;
 };
 
 #endif

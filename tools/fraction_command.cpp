@@ -28,7 +28,11 @@ std::string magnitude_text(long long value) {
 // its integers. Then a product and a quotient have an exact form whenever one exists.
 
 BIG_FRACTION reduced(BIG_FRACTION const& a) {
-    return a.is_fractional() ? BIG_FRACTION(a.get_numerator(), a.get_denominator()) : a;
+    if (!a.is_fractional()) {
+        return a;
+    }
+    bool const is_zero = a.get_numerator() == 0; // 0/-1 is a double of -0 otherwise
+    return is_zero ? BIG_FRACTION() : BIG_FRACTION(a.get_numerator(), a.get_denominator());
 }
 
 /// The library adds a numerator of -2^63, which has no negative, to the exact form where it should
@@ -57,6 +61,7 @@ BIG_FRACTION product(BIG_FRACTION const& a, BIG_FRACTION const& b) {
 
 struct FRACTION_ARITHMETIC {
     using VALUE = BIG_FRACTION;
+    static constexpr char const* OPERATORS = "+ - * /";
 
     static bool read(std::string_view text, BIG_FRACTION& value, std::string& problem);
     static BIG_FRACTION result(char op, BIG_FRACTION const& a, BIG_FRACTION const& b);
@@ -68,7 +73,7 @@ bool FRACTION_ARITHMETIC::read(std::string_view text, BIG_FRACTION& value, std::
     std::size_t places = 0;
     std::size_t const point = digits.find('.');
     if (point != std::string::npos) {
-        digits.erase(digits.find_last_not_of('0') + 1); // they are behind the point, or are it
+        digits.erase(digits.find_last_not_of('0') + 1); // zeros behind the point
         places = digits.size() - point - 1;
         digits.erase(point, 1);
     }
@@ -118,9 +123,8 @@ private:
 
 OUTCOME FRACTION_CONVERSION::convert(std::string const& text, std::string& result,
                                      std::string& problem) {
-    FRACTION_ARITHMETIC arithmetic;
     try {
-        m_value = EXPRESSION(arithmetic).value_of(text);
+        m_value = EXPRESSION<FRACTION_ARITHMETIC>(text).value();
     } catch (EXPRESSION_ERROR const& error) {
         problem = error.what();
         return OUTCOME::REFUSED;

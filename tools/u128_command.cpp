@@ -24,6 +24,7 @@ char const* problem_of(char op) {
 /// Arithmetic as the library does it, which reports what does not fit.
 struct U128_ARITHMETIC {
     using VALUE = BIG_ULONG128;
+    static constexpr char const* OPERATORS = "+ - * / %";
 
     static bool read(std::string_view text, BIG_ULONG128& value, std::string& problem) {
         if (text[0] == '-') {
@@ -62,9 +63,8 @@ private:
 
 OUTCOME U128_CONVERSION::convert(std::string const& text, std::string& result,
                                  std::string& problem) {
-    U128_ARITHMETIC arithmetic;
     try {
-        m_value = EXPRESSION(arithmetic).value_of(text);
+        m_value = EXPRESSION<U128_ARITHMETIC>(text).value();
     } catch (EXPRESSION_ERROR const& error) {
         problem = error.what();
         return OUTCOME::REFUSED;
