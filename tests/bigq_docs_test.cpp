@@ -10,7 +10,7 @@
 namespace {
 
 TEST(BigqDocs, ExamplesOfTheReferenceAreTrue) {
-    expect_true_examples(examples_of_page("docs/bigq.md"), 25, BIG_SOURCE_ROOT "/examples");
+    expect_true_examples(examples_of_page("docs/bigq.md"), 70, BIG_SOURCE_ROOT "/examples");
 }
 
 TEST(BigqDocs, ExamplesOfTheSamplesAreTrue) {
@@ -18,12 +18,13 @@ TEST(BigqDocs, ExamplesOfTheSamplesAreTrue) {
 }
 
 TEST(BigqDocs, ExamplesOfTheReadmeAreTrue) {
-    expect_true_examples(examples_of_page("README.md"), 2, BIG_SOURCE_ROOT);
+    expect_true_examples(examples_of_page("README.md"), 7, BIG_SOURCE_ROOT);
 }
 
 TEST(BigqDocs, ExamplesOfTheHelpAreTrue) {
-    for (char const* command : {"bigq radix --help", "bigq time --help"}) {
-        std::istringstream help(run_shell(command).out);
+    for (std::string const command :
+         {"compare", "delay", "fraction", "freq", "gcd", "radix", "time", "u128"}) {
+        std::istringstream help(run_shell("bigq " + command + " --help").out);
         expect_true_examples(examples_in(help, "Examples:", "", "  "), 4, "");
     }
 }

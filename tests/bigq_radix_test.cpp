@@ -1,7 +1,7 @@
 // The tool: what `bigq radix` prints, says and returns. What every filter does alike is tested with
 // `bigq time`.
 
-#include "run_program.h"
+#include "command_cases.h"
 
 #include <string>
 #include <vector>
@@ -18,25 +18,6 @@ namespace {
 #define CUT " its high bits are cut off, which leaves "
 #define ALL_RADIXES                                                                                \
     "bin (b), oct (o), hex (h), dec (d), sdec, udec, fix or ascii, in any letter case"
-
-struct CASE {
-    char const* why;
-    char const* command;
-    std::string input;
-    std::string out;
-    std::string err;
-    int status;
-};
-
-void run_cases(std::vector<CASE> const& cases) {
-    for (CASE const& c : cases) {
-        SCOPED_TRACE(std::string(c.why) + "\n$ " + c.command + "\n" + c.input.substr(0, 200));
-        RUN const run = run_shell(c.command, c.input);
-        EXPECT_EQ(run.out, c.out);
-        EXPECT_EQ(run.err, c.err);
-        EXPECT_EQ(run.status, c.status);
-    }
-}
 
 // ------------------------------------------------------------------------------------------------
 // Conversion
@@ -270,17 +251,9 @@ TEST(BigqRadix, AWrongCommandLineReturns2AndDoesNothing) {
 }
 
 TEST(BigqRadix, HelpNamesEveryOptionAndFitsATerminal) {
-    RUN const run = run_shell("bigq radix --help");
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.err, "");
-    for (char const* text :
-         {"Usage: bigq radix [OPTION]... [VALUE]...\n", "--from RADIX", "--to RADIX", "--width N",
-          "--signed", "--check RADIX", "--field", "--invalid", "--strict", "--json", "Examples"}) {
-        EXPECT_NE(run.out.find(text), std::string::npos) << text;
-    }
-    for (std::size_t begin = 0; begin < run.out.size(); begin = run.out.find('\n', begin) + 1) {
-        EXPECT_LE(run.out.find('\n', begin) - begin, 80u) << run.out.substr(begin, 90);
-    }
+    expect_help("bigq radix", {"Usage: bigq radix [OPTION]... [VALUE]... ", "--from RADIX",
+                               "--to RADIX", "--width N", "--signed", "--check RADIX", "--field",
+                               "--invalid", "--strict", "--json", "Examples"});
 }
 
 } // namespace

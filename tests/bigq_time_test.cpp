@@ -1,7 +1,7 @@
 // The tool: what `bigq time` prints, says and returns, and how it behaves as a filter.
 
+#include "command_cases.h"
 #include "json_reader.h"
-#include "run_program.h"
 
 #include <map>
 #include <random>
@@ -22,25 +22,6 @@ namespace {
 
 #define ALL_UNITS "fs, ps, ns, us, ms, s, Hz, kHz, MHz, GHz, ten_th_ns, bps, Mbps, Gbps"
 #define NO_TIME " is not a time: expected a number and one of " ALL_UNITS
-
-struct CASE {
-    char const* why;
-    char const* command;
-    std::string input;
-    std::string out;
-    std::string err;
-    int status;
-};
-
-void run_cases(std::vector<CASE> const& cases) {
-    for (CASE const& c : cases) {
-        SCOPED_TRACE(std::string(c.why) + "\n$ " + c.command + "\n" + c.input.substr(0, 200));
-        RUN const run = run_shell(c.command, c.input);
-        EXPECT_EQ(run.out, c.out);
-        EXPECT_EQ(run.err, c.err);
-        EXPECT_EQ(run.status, c.status);
-    }
-}
 
 /// A text with its NULs.
 template <std::size_t SIZE>
@@ -368,7 +349,7 @@ TEST(BigqTime, AWrongCommandLineReturns2AndDoesNothing) {
     // clang-format off
     run_cases({
         {"no command",             "bigq",                             "1 ns\n", "", "bigq: expected a command" + top_hint, 2},
-        {"no such command",        "bigq tame",                        "1 ns\n", "", "bigq: \"tame\" is not a command: expected radix, time" + top_hint, 2},
+        {"no such command",        "bigq tame",                        "1 ns\n", "", "bigq: \"tame\" is not a command: expected compare, delay, fraction, freq, gcd, radix, time, u128" + top_hint, 2},
         {"no such option",         "bigq time --tos ns",               "1 ns\n", "", "bigq: time: The following argument was not expected: --tos" + hint, 2},
         {"no such letter",         "bigq time -x",                     "1 ns\n", "", "bigq: time: The following argument was not expected: -x" + hint, 2},
         {"no value",               "bigq time --to",                   "1 ns\n", "", "bigq: time: --to: expected a value" + hint, 2},
@@ -414,20 +395,10 @@ TEST(BigqTime, HelpAndVersionGoToStandardOutput) {
 }
 
 TEST(BigqTime, HelpNamesEveryOptionAndFitsATerminal) {
-    std::string const help = run_shell("bigq time --help").out;
-    for (char const* text :
-         {"--to", "--precision", "--trim", "--raw", "--unit", "--field", "-d,--delimiter",
-          "--header", "--invalid", "abort", "fail", "warn", "ignore", "--strict", "--json",
-          ALL_UNITS, "Exit status", "Examples"}) {
-        std::string unwrapped = help;
-        for (char& c : unwrapped) {
-            c = c == '\n' ? ' ' : c;
-        }
-        EXPECT_NE(unwrapped.find(text), std::string::npos) << text;
-    }
-    for (std::size_t begin = 0; begin < help.size(); begin = help.find('\n', begin) + 1) {
-        EXPECT_LE(help.find('\n', begin) - begin, 80u) << help.substr(begin, 90);
-    }
+    expect_help("bigq time",
+                {"--to", "--precision", "--trim", "--raw", "--unit", "--field", "-d,--delimiter",
+                 "--header", "--invalid", "abort", "fail", "warn", "ignore", "--strict", "--json",
+                 ALL_UNITS, "Exit status", "Examples"});
 }
 
 // ------------------------------------------------------------------------------------------------

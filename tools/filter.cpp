@@ -78,6 +78,7 @@ public:
         : m_options(options), m_conversion(conversion) {}
 
     EXIT_STATUS convert_texts(std::vector<std::string> const& texts);
+    EXIT_STATUS convert_joined(std::vector<std::string> const& texts);
     EXIT_STATUS convert_lines();
 
 private:
@@ -109,6 +110,17 @@ EXIT_STATUS FILTER::convert_texts(std::vector<std::string> const& texts) {
             break;
         }
     }
+    m_output.flush();
+    return m_status;
+}
+
+EXIT_STATUS FILTER::convert_joined(std::vector<std::string> const& texts) {
+    m_place = texts.size() == 1 ? "argument " : "arguments 1 to ";
+    std::string joined = texts.front();
+    for (std::size_t i = 1; i < texts.size(); ++i) {
+        joined += ' ' + texts[i];
+    }
+    convert_line({joined, "\n", texts.size(), false});
     m_output.flush();
     return m_status;
 }
@@ -259,5 +271,8 @@ EXIT_STATUS run_filter(FILTER_OPTIONS const& options, std::vector<std::string> c
         throw USAGE_ERROR("--header: it is for the lines of standard input, not for arguments");
     }
     FILTER filter(complete, conversion);
-    return texts.empty() ? filter.convert_lines() : filter.convert_texts(texts);
+    if (texts.empty()) {
+        return filter.convert_lines();
+    }
+    return complete.joins_texts ? filter.convert_joined(texts) : filter.convert_texts(texts);
 }

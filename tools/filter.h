@@ -57,6 +57,7 @@ struct FILTER_OPTIONS {
     INVALID invalid = INVALID::ABORT;
     bool strict = false;
     bool json = false;
+    bool joins_texts = false; ///< the command's texts are one, with a blank between each two
 };
 
 /// Adds the options that set FILTER_OPTIONS.

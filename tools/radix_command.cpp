@@ -102,12 +102,6 @@ std::string expected(RADIX const& radix) {
     return std::string("expected ") + radix.expected;
 }
 
-/// The character at a place of a text, all its bytes.
-std::string character_at(std::string const& text, std::size_t place) {
-    std::size_t const length = utf8_length(std::string_view(text).substr(place));
-    return text.substr(place, std::max<std::size_t>(length, 1));
-}
-
 /// Reads a whole text as a decimal number, as the library does, which stops at the first character
 /// that does not belong to it. Nothing when there is such a character.
 std::optional<double> fixed_point_number(std::string const& text) {

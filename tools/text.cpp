@@ -1,5 +1,7 @@
 #include "text.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr std::size_t LONGEST_QUOTE = 100;
@@ -64,6 +66,10 @@ std::size_t utf8_length(std::string_view text) {
     return length;
 }
 
+std::string_view character_at(std::string_view text, std::size_t place) {
+    return text.substr(place, std::max<std::size_t>(utf8_length(text.substr(place)), 1));
+}
+
 std::string in_quotes(std::string_view text) {
     std::string out = "\"";
     std::size_t taken = 0;
@@ -83,6 +89,11 @@ std::string in_quotes(std::string_view text) {
     }
     out += taken < text.size() ? "...\"" : "\"";
     return out;
+}
+
+std::string problem_of_part(std::string_view text, std::string_view part,
+                            std::string const& problem) {
+    return part == text ? problem : "holds " + in_quotes(part) + ", which " + problem;
 }
 
 std::string wrapped(std::string_view text, std::size_t width) {

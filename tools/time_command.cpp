@@ -2,11 +2,10 @@
 
 #include "command_line.h"
 #include "filter.h"
-#include "text.h"
+#include "time_text.h"
 #include "units.h"
 
 #include "big_sys.h"
-#include "err_sys.h"
 
 #include <climits>
 #include <optional>
@@ -31,122 +30,32 @@ struct TIME_OPTIONS {
     bool trim = false;
 };
 
-/// The library drops the zeros between a leading point and the first other digit: .05 is read as
-/// .5, and .0 is no number.
-constexpr char const* LEADING_POINT_ADVICE =
-    "zeros directly behind a leading point do not count: write 0 before the point";
-
-constexpr long long HERTZ_TIMES_PICOSECONDS = 1000000000000;
-
-/// The name of the unit in which a category of units is stored.
-char const* storage_unit_of(BIG_TIME::TIME_UNIT unit) {
-    switch (BIG_TIME::get_unit_category(unit)) {
-    case BIG_TIME::FREQUENCY_CATEGORY: return "Hz";
-    case BIG_TIME::DATA_RATE_CATEGORY: return "bps";
-    default: return "ps";
-    }
-}
-
-bool is_digit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-/// White space as the library strips it around a text.
-bool is_blank(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-/// Whether a text has no unit behind its number: its last byte but for white space belongs to a
-/// number.
-bool is_bare_number(std::string const& text) {
-    std::size_t length = text.size();
-    while (length > 0 && is_blank(text[length - 1])) {
-        --length;
-    }
-    return length > 0 && (is_digit(text[length - 1]) || text[length - 1] == '.');
-}
-
-/// Whether a number loses zeros that matter, as .05 does.
-bool loses_leading_zeros(std::string const& text) {
-    std::size_t i = 0;
-    while (is_blank(text[i])) {
-        ++i;
-    }
-    if (text[i] != '.' || text[i + 1] != '0') {
-        return false;
-    }
-    i = text.find_first_not_of('0', i + 1);
-    return i != std::string::npos && is_digit(text[i]);
-}
-
-/// Why the library refused a text.
-std::string why_refused(std::string const& text, std::optional<BIG_TIME::TIME_UNIT> bare_unit) {
-    std::string number;
-    std::string unit_text;
-    BIG_TIME::separate_time_num_and_unit(text, number, unit_text);
-    BIG_TIME::TIME_UNIT unit = big_get_time_unit(unit_text);
-    if (unit == BIG_TIME::UNIT_NONE) {
-        unit = bare_unit.value_or(unit);
-    }
-    std::string const canonical = big_get_time_value(number);
-    if (canonical.empty() || canonical == "+.") {
-        return "is not a time: expected a number and one of " + unit_names();
-    }
-    if (unit == BIG_TIME::MAX_TIME_UNIT) {
-        return "is not a time: " + in_quotes(unit_text) + " is not a unit: expected one of "
-               + unit_names();
-    }
-    if (canonical == ".") { // of .0
-        return std::string("is not a time: ") + LEADING_POINT_ADVICE;
-    }
-    std::string const storage_unit = storage_unit_of(unit);
-    if (number[0] == '-' && storage_unit != "ps") {
-        return "is not a time: expected a frequency or data rate of 0 or more";
-    }
-    return "is too large: expected at most " + std::to_string(LLONG_MAX) + ' ' + storage_unit;
-}
-
 class TIME_CONVERSION : public CONVERSION {
 public:
-    explicit TIME_CONVERSION(TIME_OPTIONS const& options);
-    ~TIME_CONVERSION() override;
+    explicit TIME_CONVERSION(TIME_OPTIONS const& options)
+        : m_options(options), m_target_category(BIG_TIME::get_unit_category(options.target_unit)),
+          m_reader(options.unit) {}
 
     OUTCOME convert(std::string const& text, std::string& result, std::string& problem) override;
     void add_members(JSON_OBJECT& object) const override;
 
 private:
-    bool read(std::string const& text);
     bool is_convertible() const;
     void print(std::string& result) const;
-    bool lost_digits(std::string const& text, std::string& problem) const;
+    bool is_inverted() const;
 
     TIME_OPTIONS const m_options;
     BIG_TIME::UNIT_CATEGORY const m_target_category;
-    ERR_MESSAGE_SINK const m_previous_sink;
+    TIME_READER m_reader;
 
-    BIG_TIME m_time;      ///< the value at hand
-    std::string m_stored; ///< what is stored of it when digits were cut off, else empty
+    BIG_TIME m_time; ///< the value at hand
 };
-
-TIME_CONVERSION::TIME_CONVERSION(TIME_OPTIONS const& options)
-    : m_options(options), m_target_category(BIG_TIME::get_unit_category(options.target_unit)),
-      m_previous_sink(
-          err_set_message_sink([this](MSG_ENUMERATED_POST_MSG id, char const*, char const* stored) {
-              if (id == MSG_BIG_TIME_TRUNCATED) {
-                  m_stored = stored;
-              }
-          })) {}
-
-TIME_CONVERSION::~TIME_CONVERSION() {
-    err_set_message_sink(m_previous_sink);
-}
 
 OUTCOME TIME_CONVERSION::convert(std::string const& text, std::string& result,
                                  std::string& problem) {
-    m_stored.clear();
-    if (!read(text)) {
-        problem = why_refused(text, m_options.unit);
-        return OUTCOME::REFUSED;
+    OUTCOME const outcome = m_reader.read(text, m_time, problem);
+    if (outcome == OUTCOME::REFUSED) {
+        return outcome;
     }
     if (!is_convertible()) {
         problem = std::string("cannot be given in ")
@@ -155,12 +64,11 @@ OUTCOME TIME_CONVERSION::convert(std::string const& text, std::string& result,
         return OUTCOME::REFUSED;
     }
     print(result);
-    return lost_digits(text, problem) ? OUTCOME::LOST_DIGITS : OUTCOME::CONVERTED;
-}
-
-bool TIME_CONVERSION::read(std::string const& text) {
-    return m_options.unit && is_bare_number(text) ? m_time.set_time(text, *m_options.unit, true)
-                                                  : m_time.set_time(text, true);
+    // Rounding to --precision is what the user asked for, and not a loss.
+    if (outcome == OUTCOME::CONVERTED && is_inverted() && is_cut_when_inverted(m_time, problem)) {
+        return OUTCOME::LOST_DIGITS;
+    }
+    return outcome;
 }
 
 /// Whether the value can be given in the target unit. The library would take the count of a data
@@ -169,8 +77,7 @@ bool TIME_CONVERSION::is_convertible() const {
     if (m_options.target != TARGET::UNIT) {
         return true;
     }
-    BIG_TIME::UNIT_CATEGORY const own = BIG_TIME::get_unit_category(m_time.get_time_unit());
-    return (own == BIG_TIME::DATA_RATE_CATEGORY)
+    return (category_of(m_time) == BIG_TIME::DATA_RATE_CATEGORY)
            == (m_target_category == BIG_TIME::DATA_RATE_CATEGORY);
 }
 
@@ -187,32 +94,9 @@ void TIME_CONVERSION::print(std::string& result) const {
     }
 }
 
-/// Whether the result says less than the text did, and how. Rounding to --precision is what the
-/// user asked for, and not a loss.
-bool TIME_CONVERSION::lost_digits(std::string const& text, std::string& problem) const {
-    bool const lost_zeros = loses_leading_zeros(text);
-    if (lost_zeros || !m_stored.empty()) {
-        std::string stored = m_stored.empty() ? m_time.to_raw_string() : m_stored;
-        big_trim_end_blankspace(stored); // of a number without a unit
-        problem = "loses digits: it is stored as " + in_quotes(stored);
-        if (lost_zeros) {
-            problem += std::string(" (") + LEADING_POINT_ADVICE + ')';
-        }
-        return true;
-    }
-    if (m_options.target != TARGET::UNIT) {
-        return false;
-    }
-    BIG_TIME::UNIT_CATEGORY const own = BIG_TIME::get_unit_category(m_time.get_time_unit());
-    long long const count = m_time.get_time_value();
-    if (own == m_target_category || count == 0 || HERTZ_TIMES_PICOSECONDS % count == 0) {
-        return false;
-    }
-    bool const is_period = own == BIG_TIME::FREQUENCY_CATEGORY;
-    problem = std::string("loses digits: its ") + (is_period ? "period" : "frequency")
-              + " is cut to " + std::to_string(HERTZ_TIMES_PICOSECONDS / count) + ' '
-              + storage_unit_of(m_options.target_unit);
-    return true;
+/// Whether the result is the period of a frequency or the frequency of a period.
+bool TIME_CONVERSION::is_inverted() const {
+    return m_options.target == TARGET::UNIT && category_of(m_time) != m_target_category;
 }
 
 void TIME_CONVERSION::add_members(JSON_OBJECT& object) const {
