@@ -18,6 +18,7 @@
 
 #include <cstring>
 #include <string>
+#include <type_traits>
 
 /// Marks what the library exports.
 #define BIG_API __attribute__((visibility("default")))
@@ -141,12 +142,17 @@ public:
     /// debug message "BIG_TIME constructor failed" is written.
     BIG_TIME(long long value, TIME_UNIT unit);
     BIG_TIME(long long value, std::string const& unit_text);
+    /// A unit by its number, of which 0 would be taken for a null unit_text.
+    template <typename NUMBER, std::enable_if_t<std::is_integral_v<NUMBER>, int> = 0>
+    BIG_TIME(long long value, NUMBER unit_number) = delete;
 
     /// Holds a number of units, scaled into the storage unit. A unit text is a unit's name in any
     /// letter case, or blank for UNIT_NONE. A unit outside 0 to 14, or a text that names none,
     /// returns false and changes nothing. Internal errors are those of compute_storage_number().
     bool set_time(long long value, TIME_UNIT unit);
     bool set_time(long long value, std::string const& unit_text);
+    template <typename NUMBER, std::enable_if_t<std::is_integral_v<NUMBER>, int> = 0>
+    bool set_time(long long value, NUMBER unit_number) = delete;
 
     /// Holds a plain count with UNIT_NONE.
     BIG_TIME& operator=(long long value);
@@ -159,6 +165,7 @@ public:
     BIG_TIME(std::string const& number_text, std::string const& unit_text, bool post_messages);
     BIG_TIME(std::string const& text, bool post_messages);
     /// A number's text and a unit's without post_messages: the unit would be taken for it.
+    BIG_TIME(std::string const& number_text, TIME_UNIT unit) = delete;
     BIG_TIME(std::string const& number_text, char const* unit_text) = delete;
 
     /// Reads a decimal number in a unit: an optional sign, digits with at most one point, and
@@ -172,6 +179,7 @@ public:
     bool set_time(std::string const& number_text, TIME_UNIT unit, bool post_messages);
     bool set_time(std::string const& number_text, std::string const& unit_text, bool post_messages);
     bool set_time(std::string const& text, bool post_messages);
+    bool set_time(std::string const& number_text, TIME_UNIT unit) = delete;
     bool set_time(std::string const& number_text, char const* unit_text) = delete;
 
     /// set_time(text, true), whose result is dropped.
@@ -333,6 +341,9 @@ public:
     /// @param precision decimal places to keep; 0 is taken as 1
     std::string* to_string(std::string* text, unsigned short precision) const;
     std::string to_string(unsigned short precision) const;
+    /// A unit without precision and trim: its number would be taken for the precision.
+    std::string* to_string(std::string* text, TIME_UNIT unit) const = delete;
+    std::string to_string(TIME_UNIT unit) const = delete;
 
     /// Every digit in the own unit, trailing zeros dropped but one after the point, a blank and the
     /// unit's name; the blank is there for UNIT_NONE too.
@@ -365,8 +376,11 @@ public:
 
     /// No frequency: 0 Hz.
     BIG_INLINE BIG_FREQUENCY() {}
-    /// compute_from_period(period).
+    /// compute_from_period(period), a period in picoseconds.
     BIG_FREQUENCY(int period);
+    /// A number of hertz, which would be taken for a period.
+    template <typename NUMBER, std::enable_if_t<std::is_floating_point_v<NUMBER>, int> = 0>
+    BIG_FREQUENCY(NUMBER hertz) = delete;
     /// compute_from_big_time(time).
     BIG_FREQUENCY(BIG_TIME& time);
 

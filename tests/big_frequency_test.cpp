@@ -69,6 +69,13 @@ TEST_F(BigFrequency, ComesFromAPeriodInPicoseconds) {
     }
 }
 
+// A double would be cut to a period though it says hertz.
+static_assert(!std::is_constructible_v<BIG_FREQUENCY, double>);
+static_assert(!std::is_constructible_v<BIG_FREQUENCY, float>);
+static_assert(!std::is_convertible_v<double, BIG_FREQUENCY>);
+static_assert(std::is_convertible_v<int, BIG_FREQUENCY>);
+static_assert(std::is_convertible_v<short, BIG_FREQUENCY>);
+
 TEST_F(BigFrequency, ComesFromATime) {
     struct {
         char const* why;

@@ -505,6 +505,36 @@ TEST_F(BigTimeParse, TheSettersHoldTheCountOrTheDefaultState) {
     }
 }
 
+// Without post_messages a unit would be taken for it, and be lost. (Only a template asks whether
+// code compiles.)
+template <typename TIME>
+concept IS_BUILT_WITHOUT_POST_MESSAGES = requires {
+    TIME("10", TIME::UNIT_NS);
+}
+|| requires {
+    TIME("10", "ns");
+};
+template <typename TIME>
+concept IS_SET_WITHOUT_POST_MESSAGES = requires(TIME time) {
+    time.set_time("10", TIME::UNIT_NS);
+}
+|| requires(TIME time) {
+    time.set_time("10", "ns");
+};
+static_assert(!IS_BUILT_WITHOUT_POST_MESSAGES<BIG_TIME>);
+static_assert(!IS_SET_WITHOUT_POST_MESSAGES<BIG_TIME>);
+
+template <typename TIME>
+concept TAKES_A_TEXT_WITH_POST_MESSAGES = requires(TIME time) {
+    TIME("10", TIME::UNIT_NS, true);
+    TIME("10", "ns", true);
+    TIME("10 ns", true);
+    time.set_time("10", TIME::UNIT_NS, true);
+    time.set_time("10", "ns", true);
+    time.set_time("10 ns", true);
+};
+static_assert(TAKES_A_TEXT_WITH_POST_MESSAGES<BIG_TIME>);
+
 // ------------------------------------------------------------------------------------------------
 // Number and unit in one text
 // ------------------------------------------------------------------------------------------------

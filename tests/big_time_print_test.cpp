@@ -414,6 +414,24 @@ TEST_F(BigTimePrint, AUnitIsChosenByMagnitude) {
     }
 }
 
+// A unit would be taken for the precision. (Only a template asks whether code compiles.)
+template <typename TIME>
+concept PRINTS_IN_A_UNIT_ALONE = requires(TIME time) {
+    time.to_string(TIME::UNIT_US);
+}
+|| requires(TIME time, std::string text) {
+    time.to_string(&text, TIME::UNIT_US);
+};
+static_assert(!PRINTS_IN_A_UNIT_ALONE<BIG_TIME>);
+
+template <typename TIME>
+concept PRINTS_TO_A_PRECISION = requires(TIME time, std::string text) {
+    time.to_string(2);
+    time.to_string(&text, 2);
+    time.to_string(TIME::UNIT_US, 2, true);
+};
+static_assert(PRINTS_TO_A_PRECISION<BIG_TIME>);
+
 // ------------------------------------------------------------------------------------------------
 // Every digit
 // ------------------------------------------------------------------------------------------------
