@@ -118,6 +118,20 @@ TEST_F(BigTimePrint, AUnitOutsideTheTableIsAnInternalError) {
     }
 }
 
+TEST_F(BigTimePrint, AUnitOutsideTheTableIsFoundAfterTheOldTextIsCleared) {
+    BIG_TIME const time = time_of(1500, BIG_TIME::UNIT_NS);
+    for (int const unit : {-2, INT_MIN, 15, INT_MAX}) {
+        SCOPED_TRACE(unit);
+        std::string text = "before";
+        EXPECT_THROW(time.to_string_without_unit(&text, unit_of(unit), 3, false),
+                     recording::INTERNAL_ERROR);
+        EXPECT_EQ(text, "");
+        text = "before";
+        EXPECT_THROW(time.to_string(&text, unit_of(unit), 3, false), recording::INTERNAL_ERROR);
+        EXPECT_EQ(text, "");
+    }
+}
+
 // ------------------------------------------------------------------------------------------------
 // A number in a unit
 // ------------------------------------------------------------------------------------------------
