@@ -69,6 +69,7 @@ template <typename TIME>
 concept TAKES_A_UNIT_FOR_A_NUMBER = requires(TIME time) {
     TIME(5, TIME::UNIT_NS);
     TIME(0, TIME::UNIT_NONE);
+    TIME(5ull, TIME::UNIT_NS);
     TIME(5, {});
     TIME(5, "ns");
     time.set_time(5, TIME::UNIT_NS);
