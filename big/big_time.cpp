@@ -315,9 +315,9 @@ bool has_nonzero_digit(std::string_view digits) {
 bool cut_to_resolution(std::string& number, int resolution) {
     std::size_t const point = number.find('.');
     std::size_t const digits_before_point = std::min(point, number.size());
-    int places = 0;
+    std::ptrdiff_t places = 0;
     if (point != std::string::npos) {
-        places = static_cast<int>(number.size() - point - 1);
+        places = static_cast<std::ptrdiff_t>(number.size() - point - 1);
         number.erase(point, 1);
     }
     bool truncated = false;
@@ -525,10 +525,10 @@ bool BIG_TIME::will_value_be_truncated(char const* text, std::string& truncated_
         number.erase(0, 1);
     constexpr std::size_t last_point_looked_at = 19;
     std::size_t const point = number.find('.');
-    int places = 0;
+    std::ptrdiff_t places = 0;
     if (point <= last_point_looked_at) {
         number.erase(point, 1);
-        places = static_cast<int>(number.size() - point);
+        places = static_cast<std::ptrdiff_t>(number.size() - point);
     }
     int const resolution = s_fraction_digits[unit];
     if (resolution >= places)

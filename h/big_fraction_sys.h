@@ -38,8 +38,12 @@ public:
     /// The number as a double.
     BIG_INLINE double get_value() const { return m_value; }
 
-    /// Looks for an exact form in millionths if there is none: a number of at most six decimal
-    /// places has one, and a negative number always gets the one it has when cut to six places.
+    /// Looks for an exact form in millionths if there is none: takes the double times 1,000,000,
+    /// cut toward zero, if it fits 64 bits and less than a millionth of 1 was cut off. So a
+    /// negative number is cut to six decimal places. A positive one with more places has no exact
+    /// form, up to 2^53 millionths; nor have some with fewer, such as 0.000249 and 2.01, whose
+    /// products come out just below a whole number. Magnitudes from about 9.2e12 on, infinities and
+    /// not-a-number have none.
     /// @return whether there is an exact form now
     bool fractionalize();
 
@@ -67,7 +71,8 @@ private:
 BIG_API BIG_FRACTION operator/(BIG_FRACTION dividend, BIG_FRACTION const& divisor);
 
 /// Exact when both have an exact form whose cross products fit 64 bits; otherwise the doubles are
-/// compared to a tolerance relative to b.
+/// compared to a tolerance relative to b. Infinities and not-a-number then equal nothing, not even
+/// their like; a fraction always equals itself.
 BIG_API bool operator==(BIG_FRACTION const& a, BIG_FRACTION const& b);
 
 #endif

@@ -18,6 +18,7 @@
 
 #include <cstring>
 #include <string>
+#include <type_traits>
 
 /// Marks what the library exports.
 #define BIG_API __attribute__((visibility("default")))
@@ -141,12 +142,17 @@ public:
     /// debug message "BIG_TIME constructor failed" is written.
     BIG_TIME(long long value, TIME_UNIT unit);
     BIG_TIME(long long value, std::string const& unit_text);
+    /// A unit by its number, of which 0 would be taken for a null unit_text.
+    template <typename NUMBER, std::enable_if_t<std::is_integral_v<NUMBER>, int> = 0>
+    BIG_TIME(long long value, NUMBER unit_number) = delete;
 
     /// Holds a number of units, scaled into the storage unit. A unit text is a unit's name in any
     /// letter case, or blank for UNIT_NONE. A unit outside 0 to 14, or a text that names none,
     /// returns false and changes nothing. Internal errors are those of compute_storage_number().
     bool set_time(long long value, TIME_UNIT unit);
     bool set_time(long long value, std::string const& unit_text);
+    template <typename NUMBER, std::enable_if_t<std::is_integral_v<NUMBER>, int> = 0>
+    bool set_time(long long value, NUMBER unit_number) = delete;
 
     /// Holds a plain count with UNIT_NONE.
     BIG_TIME& operator=(long long value);
@@ -159,6 +165,7 @@ public:
     BIG_TIME(std::string const& number_text, std::string const& unit_text, bool post_messages);
     BIG_TIME(std::string const& text, bool post_messages);
     /// A number's text and a unit's without post_messages: the unit would be taken for it.
+    BIG_TIME(std::string const& number_text, TIME_UNIT unit) = delete;
     BIG_TIME(std::string const& number_text, char const* unit_text) = delete;
 
     /// Reads a decimal number in a unit: an optional sign, digits with at most one point, and
@@ -166,12 +173,18 @@ public:
     /// text: "1.5ns", "-20 ps", "250". A unit text is a unit's name in any letter case, or blank
     /// for UNIT_NONE. Whatever is refused leaves the default state.
     ///
+    /// A number that begins with its point loses the zeros behind it, on which texts rely: ".05 ns"
+    /// is 500 ps, "0.05 ns" is 50 ps. The count is at most 2^63 - 1 on either side of 0: the lowest
+    /// one, -2^63, has no text. Debug messages are those of big_get_time_value() and
+    /// is_logically_legal().
+    ///
     /// @param post_messages whether to post message 1 when the text is refused and message 2 when
     ///                      digits other than 0 are cut off
     /// @return whether the text was read
     bool set_time(std::string const& number_text, TIME_UNIT unit, bool post_messages);
     bool set_time(std::string const& number_text, std::string const& unit_text, bool post_messages);
     bool set_time(std::string const& text, bool post_messages);
+    bool set_time(std::string const& number_text, TIME_UNIT unit) = delete;
     bool set_time(std::string const& number_text, char const* unit_text) = delete;
 
     /// set_time(text, true), whose result is dropped.
@@ -182,35 +195,52 @@ public:
     static void separate_time_num_and_unit(std::string const& text, std::string& number,
                                            std::string& unit);
 
-    /// Brings the text of a number into the canonical form for a unit: no needless zeros, no plus
-    /// sign, and no digit finer than the unit holds.
+    /// Brings the text of a number into its canonical form for a unit: that of big_get_time_value()
+    /// without a plus sign and without the digits finer than the unit holds. Zeros in front of
+    /// those stay, and digits cut from whole femtoseconds come back as zeros:
+    ///
+    ///     ns    +01.500  1.5      .05  .5       0.0001  0.000
+    ///     fs    1234     1000     999  0
     ///
     /// @param text          the number; its canonical form afterwards, untouched on failure
     /// @param post_messages whether to post message 2 when digits other than 0 were cut off
-    /// @return false for an illegal number and for a unit outside 0 to 14
+    /// @return false for an illegal number, with the debug message of big_get_time_value(), and for
+    ///         a unit outside 0 to 14
     static bool format_time_string(std::string& text, TIME_UNIT const& unit, bool post_messages);
 
-    /// Reads a number in a unit into the storage unit.
+    /// Reads a number in a unit into the storage unit, by the rules of set_time() and with its
+    /// debug messages.
     ///
-    /// @param value receives the number in the storage unit; untouched unless 0 is returned
-    /// @return 0 legal; 1 illegal number, too large for 64 bits, or a negative frequency or rate; 2
-    ///         unit outside 0 to 14
+    /// @param value         receives the number in the storage unit; untouched unless 0 is returned
+    /// @param post_messages whether to post message 2 when digits other than 0 are cut off
+    /// @return 0 legal; 1 illegal number, above 2^63 - 1 on either side of 0, or a negative
+    ///         frequency or rate; 2 unit outside 0 to 14
     static int string_to_big_int(std::string const& text, TIME_UNIT const& unit, long long& value,
                                  bool post_messages);
 
-    /// Whether set_time() would read the text: string_to_big_int()'s status, without messages.
+    /// Whether set_time() would read the text: string_to_big_int()'s status, and of its messages
+    /// only the debug messages. A unit text that names no unit gives 2.
     static int is_legal(std::string const& number_text, TIME_UNIT unit);
     static int is_legal(std::string const& number_text, std::string const& unit_text);
     static int is_legal(std::string const& text);
 
-    /// Whether storing a text would cut off digits other than 0. Never posts. A text without a
-    /// number or a known unit is not truncated.
+    /// Whether storing a text would cut off digits other than 0, and a preview of those it keeps.
+    /// The preview is for showing and cannot be read back. It is relied on to the letter:
+    ///
+    ///     1.23456 ns     true   1.234 ns
+    ///     1.5 ps         true   1. ps
+    ///     .00012 ns      true   .000 ns      set_time() drops the zeros behind a leading point
+    ///     -1.23456 ns    true   -.1234 ns    a '-' for either sign, and the point a place early
+    ///     1500 fs        true   1 fs         the digits kept, without three zeros
+    ///     0 fs           true   0 fs         also for 0: three digits of femtoseconds are cut
+    ///     12345.6 fs     std::out_of_range   the point stood behind more digits than are kept
+    ///
+    /// Never posts. A text without a number or a known unit is not truncated; that the number is
+    /// legal is not checked.
     ///
     /// @param text           number and unit; null or empty gives false and leaves truncated_text
-    /// @param truncated_text receives the text as stored if it is truncated, else as given.
-    ///                       A sign of either kind comes back as '-', with the point one place
-    ///                       early, and femtoseconds with a point may throw std::out_of_range: both
-    ///                       are relied on.
+    /// @param truncated_text receives the preview if digits are cut, else the text as given; with
+    ///                       std::out_of_range it is left with the sign and the digits kept
     static bool will_value_be_truncated(char const* text, std::string& truncated_text);
 
     // --- Storage ---
@@ -226,8 +256,8 @@ public:
     /// whole picoseconds.
     ///
     /// Internal errors: "Wrong concept: Negative frequency!" and "Wrong concept: 0 MHz!" for a
-    /// negative or zero frequency or data rate; overflow_error() when the result does not fit 64
-    /// bits.
+    /// negative or zero frequency or data rate; "Overflow", with the tag "BIG" and the path
+    /// "h/big_sys", when the result does not fit 64 bits.
     ///
     /// @param value the number
     /// @param unit  0 to 14; outside, the internal errors of get_time_unit_string()
@@ -241,7 +271,9 @@ public:
     /// by zero".
     void set_storage_number(long long count);
 
-    /// Whether get_storage_number() fits a signed integer of some bytes (8 and more always do).
+    /// Whether get_storage_number() fits a signed integer of some bytes. The limits are doubles, on
+    /// which callers rely: 7 bytes admit 2^55 too, 8 and more admit everything. The bits are
+    /// counted in 32 bits, so byte_count is taken modulo 2^29; 0 bytes admit only 0.
     bool safe_to_convert(unsigned int byte_count) const;
 
     /// get_storage_number() as a 32-bit delay, or -2147483647 (0x80000001) when it does not fit.
@@ -266,7 +298,8 @@ public:
     BIG_TIME operator-();
 
     /// Quotient, cut toward zero, and remainder, with the sign of the dividend, of two counts.
-    /// Internal errors: "Division by Zero", "Modulo by Zero"; overflow_error() for -2^63 by -1.
+    /// Internal errors: "Division by Zero", "Modulo by Zero"; "Overflow", with the tag "BIG" and
+    /// the path "h/big_sys", for -2^63 by -1.
     long long operator/(BIG_TIME const& other) const;
     long long operator%(BIG_TIME const& other) const;
 
@@ -274,31 +307,36 @@ public:
     BIG_TIME operator*(long long const& factor) const;
     BIG_TIME& operator*=(long long const& factor);
 
-    /// The count divided by a number, cut toward zero; the unit stays. Internal error "Division by
-    /// Zero"; overflow_error() for -2^63 by -1.
+    /// The count divided by a number, cut toward zero; the unit stays. Internal errors: "Division
+    /// by Zero"; "Overflow", with the tag "BIG" and the path "h/big_sys", for -2^63 by -1.
     BIG_TIME operator/(long long const& divisor) const;
     BIG_TIME& operator/=(long long const& divisor);
 
-    /// The remainder of the count by a number; the unit becomes UNIT_NONE. Internal error "Modulo
-    /// by Zero"; overflow_error() for -2^63 by -1.
+    /// The remainder of the count by a number; the unit becomes UNIT_NONE. Internal errors: "Modulo
+    /// by Zero"; "Overflow", with the tag "BIG" and the path "h/big_sys", for -2^63 by -1.
     BIG_TIME& operator%=(long long const& divisor);
 
     // --- Comparison and change of unit ---
 
     /// Equal counts of one category; a frequency and a data rate of equal count are equal too. With
     /// the switch "big_time_strict_unit_mode" only a data rate on the left equals a frequency.
+    ///
+    /// The switch is read on the first call and kept. Where the platform cannot read it and throws
+    /// (the standalone one std::runtime_error), the call ends there and the next one asks again.
     bool operator==(BIG_TIME const& other) const;
 
     /// Compares the counts. When neither is 0 and the categories differ, the switches
     /// "big_time_debug_unit_mismatches", "big_time_strict_unit_mode" and
     /// "big_time_ie_on_unit_mismatch" ask for a debug message, and the last two for the internal
     /// error "Cannot compare incompatible units!" (the last one not for a frequency and a rate).
+    /// They are read as that of operator== is, with the same exception.
     bool operator<(BIG_TIME const& other) const;
 
     /// Changes one time unit into another; the count stays. A change from or to a frequency or data
     /// rate is refused with a debug message, and with the switch
     /// "big_time_ie_on_unit_conversion_error" is an internal error of the same text. Internal error
-    /// "Time Unit out of range" outside 1 to 14.
+    /// "Time Unit out of range" outside 1 to 14. The switch is read as that of operator== is, with
+    /// the same exception; the unit then stays.
     void set_time_unit(TIME_UNIT unit);
 
     // --- Text ---
@@ -333,6 +371,9 @@ public:
     /// @param precision decimal places to keep; 0 is taken as 1
     std::string* to_string(std::string* text, unsigned short precision) const;
     std::string to_string(unsigned short precision) const;
+    /// A unit without precision and trim: its number would be taken for the precision.
+    std::string* to_string(std::string* text, TIME_UNIT unit) const = delete;
+    std::string to_string(TIME_UNIT unit) const = delete;
 
     /// Every digit in the own unit, trailing zeros dropped but one after the point, a blank and the
     /// unit's name; the blank is there for UNIT_NONE too.
@@ -365,8 +406,11 @@ public:
 
     /// No frequency: 0 Hz.
     BIG_INLINE BIG_FREQUENCY() {}
-    /// compute_from_period(period).
+    /// compute_from_period(period), a period in picoseconds.
     BIG_FREQUENCY(int period);
+    /// A number of hertz, which would be taken for a period.
+    template <typename NUMBER, std::enable_if_t<std::is_floating_point_v<NUMBER>, int> = 0>
+    BIG_FREQUENCY(NUMBER hertz) = delete;
     /// compute_from_big_time(time).
     BIG_FREQUENCY(BIG_TIME& time);
 

@@ -160,6 +160,7 @@ TEST(BigFraction, FractionalizeFindsMillionths) {
         {"at it", 1e-12, false, "0/0 and 1e-12"},
         {"scales to just above 123", 0.000123, true, "123/1000000 and 0.000123"},
         {"scales to just below 249", 0.000249, false, "0/0 and 0.000249"},
+        {"scales to just below 2010000", 2.01, false, "0/0 and 2.01"},
         // The test is one-sided on purpose: a negative number is always cut.
         {"minus a third", -1.0 / 3.0, true, "-333333/1000000 and -0.3333333333333333"},
         {"minus a half", -0.5, true, "-1/2 and -0.5"},

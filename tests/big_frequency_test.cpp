@@ -69,6 +69,13 @@ TEST_F(BigFrequency, ComesFromAPeriodInPicoseconds) {
     }
 }
 
+// A double would be cut to a period though it says hertz.
+static_assert(!std::is_constructible_v<BIG_FREQUENCY, double>);
+static_assert(!std::is_constructible_v<BIG_FREQUENCY, float>);
+static_assert(!std::is_convertible_v<double, BIG_FREQUENCY>);
+static_assert(std::is_convertible_v<int, BIG_FREQUENCY>);
+static_assert(std::is_convertible_v<short, BIG_FREQUENCY>);
+
 TEST_F(BigFrequency, ComesFromATime) {
     struct {
         char const* why;
@@ -137,6 +144,10 @@ TEST_F(BigFrequency, GivesThePeriodInPicoseconds) {
         {"too long for 64 bits",          frequency_of(1, 10000000),   INT_MIN,    LOWEST},
         {"too long for 64 bits",          frequency_of(-1, 10000000),  INT_MIN,    LOWEST},
         {"just short enough for 64 bits", frequency_of(1, 9000000),    INT_MIN,    9000000000000000000},
+        {"2^31 is one too long",          BIG_FREQUENCY(1) / 2147483648,  INT_MIN, 2147483648},
+        {"-2^31 is not",                  BIG_FREQUENCY(1) / -2147483648, INT_MIN, -2147483648},
+        {"2^63 is one too long",          BIG_FREQUENCY(1) / LOWEST * -1, INT_MIN, LOWEST},
+        {"-2^63 is not",                  BIG_FREQUENCY(1) / LOWEST,      INT_MIN, LOWEST},
         {"not a number",                  BIG_FREQUENCY(0) * 0,        INT_MIN,    LOWEST},
     };
     // clang-format on

@@ -55,6 +55,28 @@ TEST_F(BigTimeArithmetic, AssignmentOfANumberDropsTheUnit) {
     EXPECT_EQ(recording::reports(), SILENCE);
 }
 
+// The number 0 would be taken for a null text. (Only a template asks whether code compiles.)
+template <typename TIME>
+concept TAKES_A_UNIT_BY_ITS_NUMBER = requires {
+    TIME(5, 0);
+}
+|| requires(TIME time) {
+    time.set_time(5, 0);
+};
+static_assert(!TAKES_A_UNIT_BY_ITS_NUMBER<BIG_TIME>);
+
+template <typename TIME>
+concept TAKES_A_UNIT_FOR_A_NUMBER = requires(TIME time) {
+    TIME(5, TIME::UNIT_NS);
+    TIME(0, TIME::UNIT_NONE);
+    TIME(5ull, TIME::UNIT_NS);
+    TIME(5, {});
+    TIME(5, "ns");
+    time.set_time(5, TIME::UNIT_NS);
+    time.set_time(5, "");
+};
+static_assert(TAKES_A_UNIT_FOR_A_NUMBER<BIG_TIME>);
+
 struct SCALE_ROW {
     char const* why;
     long long value;

@@ -10,6 +10,7 @@
 
 #include <climits>
 #include <cstdlib>
+#include <map>
 
 namespace {
 
@@ -28,12 +29,24 @@ bool is_on(std::string const& name) {
            && ("," + std::string(names) + ",").find("," + name + ",") != std::string::npos;
 }
 
+/// The switches of operator<, in order, the last one only if it can matter.
+std::vector<std::string> switches_of_less() {
+    std::vector<std::string> names = {DEBUG, STRICT};
+    if (!is_on(STRICT))
+        names.push_back(MISMATCH);
+    return names;
+}
+
 /// The calls that the library made of the platform on the first call of each operation.
 struct FIRST_CALLS {
     std::vector<recording::CALL> of_equal;
     std::vector<recording::CALL> of_less;
     std::vector<recording::CALL> of_set_time_unit;
 } first_calls;
+
+/// The same on calls before the first, which an exception of the platform ends while a switch is
+/// read, by the switch.
+std::map<std::string, FIRST_CALLS> ended_calls;
 
 /// Makes the first call of each operation, and each one leave early: the switches are read all the
 /// same.
@@ -44,6 +57,19 @@ public:
             recording::set_switch(name, is_on(name));
 
         BIG_TIME time(2, BIG_TIME::UNIT_NS);
+        auto const calls_of = [](std::string const& name, auto statement) {
+            recording::THROWING_CALL const thrower(recording::switch_read(name));
+            recording::clear();
+            EXPECT_THROW(statement(), recording::THROWN) << name;
+            return recording::calls();
+        };
+        ended_calls[STRICT].of_equal = calls_of(STRICT, [&] { return time == BIG_TIME(); });
+        for (std::string const& name : switches_of_less())
+            ended_calls[name].of_less = calls_of(name, [&] { return BIG_TIME() < time; });
+        ended_calls[CONVERSION].of_set_time_unit =
+            calls_of(CONVERSION, [&] { time.set_time_unit(BIG_TIME::UNIT_PS); });
+        EXPECT_EQ(held_by(time), (HELD{2000, BIG_TIME::UNIT_NS}));
+
         recording::clear();
         EXPECT_FALSE(time == BIG_TIME(3, BIG_TIME::UNIT_NS)); // other counts
         first_calls.of_equal = recording::calls();
@@ -80,10 +106,9 @@ TEST_F(BigTimeCompare, EqualReadsItsSwitchFirst) {
 }
 
 TEST_F(BigTimeCompare, LessReadsItsSwitchesInOrderAndTheLastOnlyIfItCanMatter) {
-    std::vector<recording::CALL> reads = {recording::switch_read(DEBUG),
-                                          recording::switch_read(STRICT)};
-    if (!is_on(STRICT))
-        reads.push_back(recording::switch_read(MISMATCH));
+    REPORTS reads;
+    for (std::string const& name : switches_of_less())
+        reads.push_back(recording::switch_read(name));
     EXPECT_EQ(first_calls.of_less, reads);
 }
 
@@ -91,6 +116,18 @@ TEST_F(BigTimeCompare, ChangeOfUnitReadsItsSwitchBeforeItLooksAtTheUnit) {
     ASSERT_EQ(first_calls.of_set_time_unit.size(), 2u);
     EXPECT_EQ(first_calls.of_set_time_unit[0], recording::switch_read(CONVERSION));
     EXPECT_EQ(first_calls.of_set_time_unit[1].operation, "err_report_internal_error");
+}
+
+TEST_F(BigTimeCompare, ASwitchThatCannotBeReadEndsTheCallAndIsReadAgainByTheNext) {
+    // that the first calls read everything again, the tests above show
+    EXPECT_EQ(ended_calls[STRICT].of_equal, REPORTS({recording::switch_read(STRICT)}));
+    REPORTS reads;
+    for (std::string const& name : switches_of_less()) {
+        reads.push_back(recording::switch_read(name));
+        EXPECT_EQ(ended_calls[name].of_less, reads);
+    }
+    EXPECT_EQ(ended_calls[CONVERSION].of_set_time_unit,
+              REPORTS({recording::switch_read(CONVERSION)}));
 }
 
 // ------------------------------------------------------------------------------------------------

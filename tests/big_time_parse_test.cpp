@@ -4,6 +4,7 @@
 #include "time_samples.h"
 
 #include <climits>
+#include <functional>
 
 namespace {
 
@@ -505,6 +506,36 @@ TEST_F(BigTimeParse, TheSettersHoldTheCountOrTheDefaultState) {
     }
 }
 
+// Without post_messages a unit would be taken for it, and be lost. (Only a template asks whether
+// code compiles.)
+template <typename TIME>
+concept IS_BUILT_WITHOUT_POST_MESSAGES = requires {
+    TIME("10", TIME::UNIT_NS);
+}
+|| requires {
+    TIME("10", "ns");
+};
+template <typename TIME>
+concept IS_SET_WITHOUT_POST_MESSAGES = requires(TIME time) {
+    time.set_time("10", TIME::UNIT_NS);
+}
+|| requires(TIME time) {
+    time.set_time("10", "ns");
+};
+static_assert(!IS_BUILT_WITHOUT_POST_MESSAGES<BIG_TIME>);
+static_assert(!IS_SET_WITHOUT_POST_MESSAGES<BIG_TIME>);
+
+template <typename TIME>
+concept TAKES_A_TEXT_WITH_POST_MESSAGES = requires(TIME time) {
+    TIME("10", TIME::UNIT_NS, true);
+    TIME("10", "ns", true);
+    TIME("10 ns", true);
+    time.set_time("10", TIME::UNIT_NS, true);
+    time.set_time("10", "ns", true);
+    time.set_time("10 ns", true);
+};
+static_assert(TAKES_A_TEXT_WITH_POST_MESSAGES<BIG_TIME>);
+
 // ------------------------------------------------------------------------------------------------
 // Number and unit in one text
 // ------------------------------------------------------------------------------------------------
@@ -756,6 +787,49 @@ TEST_F(BigTimeParse, AFailedSetterForgetsTheOldValue) {
     EXPECT_EQ(held_by(time), HELD());
 }
 
+TEST_F(BigTimeParse, AMessageMayThrowAndTheTimeHoldsAValidValue) {
+    recording::CALL const cut = recording::message(2, "1.5 ps", "1 ps");
+    recording::CALL const refusal = recording::message(1, "-ps");
+    BIG_TIME::TIME_UNIT const ps = BIG_TIME::UNIT_PS;
+    HELD const old = {5000, BIG_TIME::UNIT_NS};
+    struct {
+        char const* why;
+        recording::CALL message;
+        std::function<void(BIG_TIME&)> set;
+        HELD held;
+        // clang-format off
+    } const rows[] = {
+        // why                                     message  setter                                          held afterwards
+        {"the value changes after the number",    cut,     [=](BIG_TIME& t) { t.set_time("1.5", ps, true); },   old},
+        {"the value goes before the number",      cut,     [](BIG_TIME& t) { t.set_time("1.5", "ps", true); },  {}},
+        {"the value goes before the number",      cut,     [](BIG_TIME& t) { t.set_time("1.5 ps", true); },     {}},
+        {"the value goes before the number",      cut,     [](BIG_TIME& t) { t = std::string("1.5 ps"); },      {}},
+        {"a refusal comes after the value went",  refusal, [=](BIG_TIME& t) { t.set_time("-", ps, true); },     {}},
+        {"a refusal comes after the value went",  refusal, [](BIG_TIME& t) { t.set_time("-", "ps", true); },    {}},
+        {"a refusal comes after the value went",  refusal, [](BIG_TIME& t) { t.set_time("- ps", true); },       {}},
+    };
+    // clang-format on
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.why + (": " + testing::PrintToString(row.message)));
+        BIG_TIME time = time_of(old.count, old.unit);
+        recording::THROWING_CALL const thrower(row.message);
+        EXPECT_THROW(row.set(time), recording::THROWN);
+        EXPECT_EQ(held_by(time), row.held);
+    }
+}
+
+TEST_F(BigTimeParse, AMessageMayThrowAndLeavesTextAndValue) {
+    recording::THROWING_CALL const thrower(recording::message(2, "01.5 ps", "1 ps"));
+    std::string text = "01.5";
+    EXPECT_THROW(BIG_TIME::format_time_string(text, BIG_TIME::UNIT_PS, true), recording::THROWN);
+    EXPECT_EQ(text, "01.5");
+    long long value = 77;
+    EXPECT_THROW(BIG_TIME::string_to_big_int(text, BIG_TIME::UNIT_PS, value, true),
+                 recording::THROWN);
+    EXPECT_EQ(value, 77);
+    EXPECT_THROW(BIG_TIME("01.5", BIG_TIME::UNIT_PS, true), recording::THROWN);
+}
+
 // ------------------------------------------------------------------------------------------------
 // The preview
 // ------------------------------------------------------------------------------------------------
@@ -909,6 +983,30 @@ TEST_F(BigTimeParse, APreviewOfFemtosecondsWithAPointIsOutOfRange) {
                 return words(truncated, preview);
             },
             {"std::out_of_range of basic_string::replace", SILENCE});
+    }
+}
+
+TEST_F(BigTimeParse, APreviewThatIsOutOfRangeLeavesTheDigitsThatWereKept) {
+    struct {
+        char const* text;
+        char const* left;
+        // clang-format off
+    } const rows[] = {
+        // text          left
+        {"12345.6fs",   "12"},
+        {"1234. fs",    "1"},
+        {"-12345.6 fs", "-12"},
+        {"+12345.6 fs", "-12"},
+    };
+    // clang-format on
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.text);
+        std::string preview = "before";
+        EXPECT_THROW(BIG_TIME::will_value_be_truncated(row.text, preview), std::out_of_range);
+        EXPECT_EQ(preview, row.left);
+        preview = "before";
+        EXPECT_THROW(TIME_ORACLE().will_value_be_truncated(row.text, preview), std::out_of_range);
+        EXPECT_EQ(preview, row.left);
     }
 }
 

@@ -118,6 +118,20 @@ TEST_F(BigTimePrint, AUnitOutsideTheTableIsAnInternalError) {
     }
 }
 
+TEST_F(BigTimePrint, AUnitOutsideTheTableIsFoundAfterTheOldTextIsCleared) {
+    BIG_TIME const time = time_of(1500, BIG_TIME::UNIT_NS);
+    for (int const unit : {-2, INT_MIN, 15, INT_MAX}) {
+        SCOPED_TRACE(unit);
+        std::string text = "before";
+        EXPECT_THROW(time.to_string_without_unit(&text, unit_of(unit), 3, false),
+                     recording::INTERNAL_ERROR);
+        EXPECT_EQ(text, "");
+        text = "before";
+        EXPECT_THROW(time.to_string(&text, unit_of(unit), 3, false), recording::INTERNAL_ERROR);
+        EXPECT_EQ(text, "");
+    }
+}
+
 // ------------------------------------------------------------------------------------------------
 // A number in a unit
 // ------------------------------------------------------------------------------------------------
@@ -413,6 +427,24 @@ TEST_F(BigTimePrint, AUnitIsChosenByMagnitude) {
                   expected);
     }
 }
+
+// A unit would be taken for the precision. (Only a template asks whether code compiles.)
+template <typename TIME>
+concept PRINTS_IN_A_UNIT_ALONE = requires(TIME time) {
+    time.to_string(TIME::UNIT_US);
+}
+|| requires(TIME time, std::string text) {
+    time.to_string(&text, TIME::UNIT_US);
+};
+static_assert(!PRINTS_IN_A_UNIT_ALONE<BIG_TIME>);
+
+template <typename TIME>
+concept PRINTS_TO_A_PRECISION = requires(TIME time, std::string text) {
+    time.to_string(2);
+    time.to_string(&text, 2);
+    time.to_string(TIME::UNIT_US, 2, true);
+};
+static_assert(PRINTS_TO_A_PRECISION<BIG_TIME>);
 
 // ------------------------------------------------------------------------------------------------
 // Every digit

@@ -5,10 +5,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <stdexcept>
+#include <string>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -18,14 +17,11 @@ namespace {
 /// Environment variables as a test sets them; the variables are absent before and after the test.
 class PlatformCfg : public testing::Test {
 protected:
-    void TearDown() override {
-        for (std::string const& variable : m_variables)
-            unsetenv(variable.c_str());
-    }
+    PlatformCfg() { clear(); }
+    ~PlatformCfg() override { clear(); }
 
     void set(std::string const& variable, std::string const& value) {
         setenv(variable.c_str(), value.c_str(), 1);
-        m_variables.push_back(variable);
     }
 
     /// The text of the std::runtime_error with which a switch is refused.
@@ -39,7 +35,12 @@ protected:
     }
 
 private:
-    std::vector<std::string> m_variables;
+    static void clear() {
+        for (char const* const variable :
+             {"BIG_CONFIG", "BIG_DEBUG", "BIG_TIME_STRICT_UNIT_MODE",
+              "BIG_TIME_IE_ON_UNIT_MISMATCH", "ANOTHER_SWITCH", "SOME_SWITCH"})
+            unsetenv(variable);
+    }
 };
 
 /// Switches from a file, which BIG_CONFIG names.
@@ -51,10 +52,7 @@ protected:
             GTEST_SKIP() << "this build of the platform reads no configuration files";
     }
 
-    void TearDown() override {
-        std::filesystem::remove(m_path);
-        PlatformCfg::TearDown();
-    }
+    void TearDown() override { std::filesystem::remove(m_path); }
 
     void configure(std::string const& content) {
         std::ofstream(m_path, std::ios::binary) << content;

@@ -11,6 +11,7 @@
 namespace {
 
 TEST(PlatformCfgWithoutToml, TheEnvironmentDecides) {
+    unsetenv("BIG_CONFIG");
     setenv("BIG_DEBUG", "on", 1);
     EXPECT_TRUE(cfg_is_on("big_debug"));
     unsetenv("BIG_DEBUG");

@@ -10,8 +10,9 @@
 
 /// Whether a boolean configuration switch is set. A switch that is not configured is off.
 ///
-/// The library asks for a switch at most once in each of its operations that depend on it, so the
-/// answer need not be quick. It may be asked from several threads at once.
+/// The library asks for a switch once in each of its operations that depend on it, and again only
+/// after an exception, so the answer need not be quick. It may be asked from several threads at
+/// once.
 ///
 /// The standalone platform looks at the environment variable named as the switch in upper case
 /// (on, true, yes, 1 or off, false, no, 0 in any letter case), then at the top-level key of that

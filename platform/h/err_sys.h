@@ -15,10 +15,13 @@
 
 /// The numbered user messages. The numbers are fixed; the wording belongs to the platform.
 enum MSG_ENUMERATED_POST_MSG : int {
-    /// A text that cannot be read as a time. One argument: the text as given.
+    /// A text that cannot be read as a time. One argument: its number and its unit without blanks
+    /// between them. A unit is written as its name where the text names one ("1.2.3 Ns" gives
+    /// "1.2.3ns") and as given where it names none.
     MSG_BIG_ILLEGAL_TIME = 1,
-    /// A time with digits finer than its unit can hold. Two arguments: the text as given and the
-    /// text as stored.
+    /// A time with digits finer than its unit can hold. Two arguments: the number as given and the
+    /// number as stored, each with a blank and the unit's name behind it. The name of no unit is
+    /// empty: "1.5 " and "1 ".
     MSG_BIG_TIME_TRUNCATED = 2,
 };
 

@@ -30,7 +30,9 @@ void gcd_simplify(T& a, T& b);
 /// 0 / 1. It is exact whenever that form fits T, even where an intermediate product does not. The
 /// operands may be in any terms and carry their sign in either integer.
 ///
-/// @param num, den receive the sum; untouched when it does not fit or a denominator is 0
+/// @param num      receives the sum's numerator; untouched when the sum does not fit or a
+///                 denominator is 0
+/// @param den      receives the sum's denominator, likewise
 /// @param overflow set to true when the sum does not fit or a denominator is 0, otherwise left as
 ///                 it is
 template <typename T>

@@ -15,6 +15,7 @@
 #include <limits>
 #include <map>
 #include <numeric>
+#include <optional>
 #include <ostream>
 
 namespace recording {
@@ -26,6 +27,7 @@ namespace {
 struct STATE {
     std::vector<CALL> calls;
     std::map<std::string, bool> switches;
+    std::optional<CALL> throwing;
     bool echo = false;
 };
 
@@ -42,6 +44,8 @@ void record(char const* operation, std::vector<std::string> arguments) {
     state().calls.push_back({operation, std::move(arguments)});
     if (state().echo)
         std::fprintf(stderr, "%s\n", testing::PrintToString(state().calls.back()).c_str());
+    if (state().calls.back() == state().throwing)
+        throw THROWN{*state().throwing};
 }
 
 std::string formatted(char const* format, std::va_list args) {
@@ -123,6 +127,14 @@ std::vector<CALL> reports() {
 
 void set_switch(std::string const& name, bool on) {
     state().switches[name] = on;
+}
+
+THROWING_CALL::THROWING_CALL(CALL const& call) {
+    state().throwing = call;
+}
+
+THROWING_CALL::~THROWING_CALL() {
+    state().throwing.reset();
 }
 
 testing::AssertionResult line_holds(std::string const& source_path, int line,

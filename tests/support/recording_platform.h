@@ -49,6 +49,21 @@ std::vector<CALL> reports();
 /// Makes cfg_is_on(name) answer `on`; a switch that was not set is off.
 void set_switch(std::string const& name, bool on);
 
+/// What a call that a THROWING_CALL names throws.
+struct THROWN {
+    CALL call;
+};
+
+/// While it lives, the platform records one call, by its operation and arguments, and throws THROWN
+/// instead of doing it. It cannot be an internal error. There is one at a time.
+class THROWING_CALL {
+public:
+    explicit THROWING_CALL(CALL const& call);
+    ~THROWING_CALL();
+    THROWING_CALL(THROWING_CALL const&) = delete;
+    THROWING_CALL& operator=(THROWING_CALL const&) = delete;
+};
+
 /// What the recording err_report_internal_error() throws.
 struct INTERNAL_ERROR {
     std::string text;
