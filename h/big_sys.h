@@ -18,6 +18,7 @@
 
 #include <cstring>
 #include <string>
+#include <type_traits>
 
 /// Marks what the library exports.
 #define BIG_API __attribute__((visibility("default")))
@@ -141,12 +142,18 @@ public:
     /// debug message "BIG_TIME constructor failed" is written.
     BIG_TIME(long long value, TIME_UNIT unit);
     BIG_TIME(long long value, std::string const& unit_text);
+    /// For a text in quotes: without this form a 0 before it might be a null text as well.
+    BIG_LOCAL BIG_TIME(long long value, char const* unit_text)
+        : BIG_TIME(value, std::string(unit_text)) {}
 
     /// Holds a number of units, scaled into the storage unit. A unit text is a unit's name in any
     /// letter case, or blank for UNIT_NONE. A unit outside 0 to 14, or a text that names none,
     /// returns false and changes nothing. Internal errors are those of compute_storage_number().
     bool set_time(long long value, TIME_UNIT unit);
     bool set_time(long long value, std::string const& unit_text);
+    BIG_LOCAL bool set_time(long long value, char const* unit_text) {
+        return set_time(value, std::string(unit_text));
+    }
 
     /// Holds a plain count with UNIT_NONE.
     BIG_TIME& operator=(long long value);
@@ -442,6 +449,13 @@ class BIG_ULONG128_DECIMAL_TABLE;
 /// An erased value is undefined: is_defined() is false and it is equal only to another one, less
 /// than every defined value, and 0 where a number is needed.
 class BIG_API BIG_ULONG128 {
+    /// Enables an overload for the types of numbers that a value is, or is not, constructed from:
+    /// every integer type is one, no floating-point type is.
+    template <typename NUMBER, bool CONSTRUCTS>
+    using FOR_NUMBER = std::enable_if_t<
+        !std::is_class_v<NUMBER> && std::is_constructible_v<BIG_ULONG128, NUMBER> == CONSTRUCTS,
+        int>;
+
 public:
     /// Cells of 32 bits that a value can use.
     static constexpr int MAX_CELL = 4;
@@ -454,10 +468,16 @@ public:
     /// 0.
     BIG_INLINE BIG_ULONG128() : BIG_ULONG128(0, 1) {}
     BIG_INLINE BIG_ULONG128(unsigned int value) : BIG_ULONG128(value, 1) {}
-    /// A negative number gives 0 and a debug message.
-    BIG_ULONG128(int value);
     BIG_INLINE BIG_ULONG128(unsigned long long value)
         : BIG_ULONG128(value, value > 0xFFFFFFFFu ? 2 : 1) {}
+    BIG_LOCAL BIG_ULONG128(unsigned long value)
+        : BIG_ULONG128(static_cast<unsigned long long>(value)) {}
+    /// A negative number gives 0 and a debug message.
+    BIG_ULONG128(int value);
+    BIG_LOCAL BIG_ULONG128(long long value)
+        : BIG_ULONG128(value < 0 ? BIG_ULONG128(-1)
+                                 : BIG_ULONG128(static_cast<unsigned long long>(value))) {}
+    BIG_LOCAL BIG_ULONG128(long value) : BIG_ULONG128(static_cast<long long>(value)) {}
     BIG_INLINE BIG_ULONG128(BIG_ULONG128 const& other)
         : BIG_ULONG128(other.value(), other.m_length) {}
     BIG_INLINE BIG_ULONG128& operator=(BIG_ULONG128 const& other) {
@@ -469,6 +489,11 @@ public:
         return *this;
     }
     BIG_INLINE BIG_ULONG128& operator=(unsigned int const& value) { return assign(value, 1); }
+    /// Any other integer, as it is constructed from.
+    template <typename INTEGER, FOR_NUMBER<INTEGER, true> = 0>
+    BIG_LOCAL BIG_ULONG128& operator=(INTEGER value) {
+        return *this = BIG_ULONG128(value);
+    }
     BIG_INLINE ~BIG_ULONG128() {}
 
     // --- Arithmetic ---
@@ -497,9 +522,17 @@ public:
     BIG_INLINE BIG_ULONG128 operator*(BIG_ULONG128 const& other) const;
     BIG_INLINE BIG_ULONG128& operator*=(BIG_ULONG128 const& other) { return *this = *this * other; }
 
-    /// Quotient, rounded down. Internal error: "Division by Zero".
+    /// Quotient, rounded down. Internal error: "Division by Zero", also for a negative divisor,
+    /// which is constructed as 0.
     BIG_ULONG128 operator/(unsigned int const& divisor) const;
     BIG_ULONG128 operator/(BIG_ULONG128 const& divisor) const;
+    /// Without these any other number would be cut to an unsigned int.
+    template <typename INTEGER, FOR_NUMBER<INTEGER, true> = 0>
+    BIG_LOCAL BIG_ULONG128 operator/(INTEGER divisor) const {
+        return *this / BIG_ULONG128(divisor);
+    }
+    template <typename NUMBER, FOR_NUMBER<NUMBER, false> = 0>
+    BIG_ULONG128 operator/(NUMBER divisor) const = delete;
     BIG_ULONG128& operator/=(BIG_ULONG128 const& divisor);
 
     /// Remainder. Internal errors: "Division by Zero" from %, "Modulo by Zero" from %=; "Underflow"
@@ -714,9 +747,44 @@ BIG_API unsigned int big_gcd_binary(unsigned int a, unsigned int b);
 BIG_API long long big_gcd_binary(long long a, long long b);
 BIG_API BIG_ULONG128 big_gcd_binary(BIG_ULONG128 a, BIG_ULONG128 b);
 
-/// Divides both by their greatest common divisor. Two negatives become positive (but -2^63, which
-/// has no positive counterpart, stays negative), one keeps its sign; two zeros stay.
+/// Whether a type of integer has no form of its own and fits long long.
+template <typename INTEGER>
+inline constexpr bool BIG_GCD_WIDENS =
+    (std::is_same_v<INTEGER, int> || std::is_same_v<INTEGER, long> || sizeof(INTEGER) < sizeof(int))
+    && std::is_integral_v<INTEGER>;
+
+/// long long, for two such types.
+template <typename A, typename B>
+using BIG_GCD_WIDENED = std::enable_if_t<BIG_GCD_WIDENS<A> && BIG_GCD_WIDENS<B>, long long>;
+
+/// The signed forms for int, long and the short integer types.
+template <typename A, typename B>
+inline BIG_GCD_WIDENED<A, B> big_gcd_additive(A a, B b) {
+    return big_gcd_additive(static_cast<long long>(a), static_cast<long long>(b));
+}
+template <typename A, typename B>
+inline BIG_GCD_WIDENED<A, B> big_gcd_modulo(A a, B b) {
+    return big_gcd_modulo(static_cast<long long>(a), static_cast<long long>(b));
+}
+template <typename A, typename B>
+inline BIG_GCD_WIDENED<A, B> big_gcd_binary(A a, B b) {
+    return big_gcd_binary(static_cast<long long>(a), static_cast<long long>(b));
+}
+
+/// Divides both by their greatest common divisor. Two negatives become positive, one keeps its
+/// sign; two zeros stay.
+///
+/// -2^63 has no positive counterpart and stays negative. Beside another negative number, which
+/// becomes positive, the quotient changes its sign: (-2^63, -2) gives (-2^62, 1). Where the divisor
+/// itself is 2^63, (-2^63, -2^63) gives (1, 1) and (-2^63, 0) gives (1, 0).
 BIG_API void big_suppress_gcd(long long& numerator, long long& denominator);
+inline void big_suppress_gcd(long& numerator, long& denominator) {
+    long long wide_numerator = numerator;
+    long long wide_denominator = denominator;
+    big_suppress_gcd(wide_numerator, wide_denominator);
+    numerator = static_cast<long>(wide_numerator);
+    denominator = static_cast<long>(wide_denominator);
+}
 
 // ------------------------------------------------------------------------------------------------
 // Decimal numbers held as text
