@@ -11,8 +11,11 @@
 /// Failures come in two kinds. An *internal error* (a failed precondition, an overflow, a division
 /// by zero) goes to err_report_internal_error() and never returns; the standalone platform throws
 /// ERR_INTERNAL_ERROR. Its tag is "2" and its path that of the source file, unless said otherwise.
-/// Anything a user can type fails softly: by a result, a debug message, or a numbered message where
-/// the caller asks for one.
+/// The text of a time or of a bit vector that a user typed fails softly: by a result, a debug
+/// message, or a numbered message where the caller asks for one. What a program checks first is a
+/// text that is too long for big_ulong64_from_string(), big_long64_from_string() and big_atoi64(),
+/// and a bit vector without a character: these are internal errors. One operation throws:
+/// BIG_TIME::will_value_be_truncated().
 
 #include "err_sys.h"
 
@@ -809,12 +812,22 @@ BIG_API void big_trim_end_zero(std::string* s);
 /// input time is too big. It is over 64 bits."; 19 digits above 2^63 - 1 wrap.
 BIG_API long long big_atoi64(std::string const& s);
 
-/// Adds one to the last digit, with its carries; the blanks at both ends go. An empty text is the
-/// internal error "!str->empty()".
+/// Adds one to the last digit, with its carries; the blanks at both ends go. A carry out of the
+/// first digit, and a text of points and signs alone, get a 1 in front, behind a sign.
+///
+/// An empty text is the internal error "!str->empty()"; one of blanks becomes empty.
+///
+/// @pre between the blanks are digits, points and signs only: another character that is last, or
+///      that a carry meets, would be counted up as a byte
 BIG_API void big_rounding(std::string* s);
 
 /// Rounds half up on the magnitude to `precision` digits after the point (0 drops the point), and
 /// then drops trailing zeros if asked to. A number without a point stays as it is.
+///
+/// What is cut off must leave something to round up: ".5" to 0 digits is the internal error
+/// "!str->empty()".
+///
+/// @pre nothing follows the number, see big_rounding()
 BIG_API void big_round_to_precision(std::string* s, unsigned int precision,
                                     bool trim_trailing_zeros);
 
@@ -873,8 +886,9 @@ BIG_API BIG_TIME::TIME_UNIT big_get_time_unit(std::string const& s);
 
 /// The canonical text of a decimal number: without white space around it, without needless zeros,
 /// but with one digit after the point, and with its plus sign. Zeros directly after a leading point
-/// go too: ".05" gives ".5", on which callers rely. An illegal number gives an empty text and a
-/// debug message.
+/// go too, on which callers rely: ".05" gives ".5", and ".000" gives ".". An illegal number gives
+/// an empty text and a debug message; "+." is legal, though it has no digit, and comes back as it
+/// is.
 BIG_API std::string big_get_time_value(std::string const& s);
 
 // ------------------------------------------------------------------------------------------------
@@ -895,7 +909,7 @@ enum BIG_RADIX : unsigned int {
 /// What is wrong with an ASCII text.
 enum BIG_ASCII_CHECK_RESULT : unsigned int {
     BIG_ASCII_OK = 0,
-    BIG_ASCII_BAD_ESCAPE = 1,        ///< a backslash last, or before anything but [ \ ]
+    BIG_ASCII_BAD_ESCAPE = 1,        ///< a backslash last, or before anything but `[`, `\` and `]`
     BIG_ASCII_CODE_TOO_LARGE = 2,    ///< a bracketed code above 255
     BIG_ASCII_BAD_CODE = 3,          ///< a bracketed code that is not a number
     BIG_ASCII_EMPTY_CODE = 4,        ///< []
@@ -911,8 +925,9 @@ BIG_API bool big_string_is_legal(std::string const& source, BIG_RADIX radix);
 /// Whether a byte is printable ASCII, 0x20 to 0x7E.
 BIG_API bool big_char_is_printable(char c);
 
-/// Whether a text is legal in the ASCII notation: characters stand for themselves, \[ \\ and \] for
-/// the escaped one, and [65] for the byte of that number.
+/// Whether a text is legal in the ASCII notation: printable characters stand for themselves, `\[`
+/// `\\` and `\]` for the escaped one, `[65]` for the byte of that number, and `[ ]` for a space,
+/// which is how the library writes it. Any other byte counts as NUL, with a debug message.
 ///
 /// @param result untouched on success; for codes 2 and 3 it becomes the offending code
 /// @param check  receives what is wrong
@@ -921,9 +936,10 @@ BIG_API bool big_validate_ascii_string(std::string const& source, std::string* r
 
 /// Converts a bit vector from one radix to another at a width.
 ///
-/// Binary, octal and hexadecimal digits may be the logic values X, Z, U, W, -, H and L in either
-/// case; in decimal they make the whole value unknown. Internal errors: "source.size() > 0" for an
-/// empty source, "Invalid radix." above 6.
+/// Digits may be the logic values X, Z, U, W, -, H and L in either case. In decimal H and L are the
+/// digits 1 and 0; a value whose digits are all Z, or that is a sign alone, is Z; any other value
+/// with X, Z, U, W or - among its digits is X. Internal errors: "source.size() > 0" for an empty
+/// source, "Invalid radix." above 6.
 ///
 /// @param source the value in radix `from`
 /// @param result receives the value in radix `to` as its whole content; "X" on failure. Only a
