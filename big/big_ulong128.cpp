@@ -114,7 +114,7 @@ struct DIVISION {
 /// instruction where there is one, for which the language has no expression.
 DIVISION divide_words(unsigned long long high, unsigned long long low, unsigned long long divisor) {
     DIVISION result;
-#if defined(__x86_64__)
+#if defined(__x86_64__) && !defined(BIG_PORTABLE)
     __asm__("divq %4"
             : "=a"(result.quotient), "=d"(result.remainder)
             : "a"(low), "d"(high), "r"(divisor)

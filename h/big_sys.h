@@ -11,8 +11,11 @@
 /// Failures come in two kinds. An *internal error* (a failed precondition, an overflow, a division
 /// by zero) goes to err_report_internal_error() and never returns; the standalone platform throws
 /// ERR_INTERNAL_ERROR. Its tag is "2" and its path that of the source file, unless said otherwise.
-/// Anything a user can type fails softly: by a result, a debug message, or a numbered message where
-/// the caller asks for one.
+/// The text of a time or of a bit vector that a user typed fails softly: by a result, a debug
+/// message, or a numbered message where the caller asks for one. What a program checks first is a
+/// text that is too long for big_ulong64_from_string(), big_long64_from_string() and big_atoi64(),
+/// and a bit vector without a character: these are internal errors. One operation throws:
+/// BIG_TIME::will_value_be_truncated().
 
 #include "err_sys.h"
 
@@ -145,6 +148,9 @@ public:
     /// A unit by its number, of which 0 would be taken for a null unit_text.
     template <typename NUMBER, std::enable_if_t<std::is_integral_v<NUMBER>, int> = 0>
     BIG_TIME(long long value, NUMBER unit_number) = delete;
+    /// For a text in quotes: without this form a 0 before it might be a null text as well.
+    BIG_LOCAL BIG_TIME(long long value, char const* unit_text)
+        : BIG_TIME(value, std::string(unit_text)) {}
 
     /// Holds a number of units, scaled into the storage unit. A unit text is a unit's name in any
     /// letter case, or blank for UNIT_NONE. A unit outside 0 to 14, or a text that names none,
@@ -153,6 +159,9 @@ public:
     bool set_time(long long value, std::string const& unit_text);
     template <typename NUMBER, std::enable_if_t<std::is_integral_v<NUMBER>, int> = 0>
     bool set_time(long long value, NUMBER unit_number) = delete;
+    BIG_LOCAL bool set_time(long long value, char const* unit_text) {
+        return set_time(value, std::string(unit_text));
+    }
 
     /// Holds a plain count with UNIT_NONE.
     BIG_TIME& operator=(long long value);
@@ -486,6 +495,13 @@ class BIG_ULONG128_DECIMAL_TABLE;
 /// An erased value is undefined: is_defined() is false and it is equal only to another one, less
 /// than every defined value, and 0 where a number is needed.
 class BIG_API BIG_ULONG128 {
+    /// Enables an overload for the types of numbers that a value is, or is not, constructed from:
+    /// every integer type is one, no floating-point type is.
+    template <typename NUMBER, bool CONSTRUCTS>
+    using FOR_NUMBER = std::enable_if_t<
+        !std::is_class_v<NUMBER> && std::is_constructible_v<BIG_ULONG128, NUMBER> == CONSTRUCTS,
+        int>;
+
 public:
     /// Cells of 32 bits that a value can use.
     static constexpr int MAX_CELL = 4;
@@ -498,10 +514,16 @@ public:
     /// 0.
     BIG_INLINE BIG_ULONG128() : BIG_ULONG128(0, 1) {}
     BIG_INLINE BIG_ULONG128(unsigned int value) : BIG_ULONG128(value, 1) {}
-    /// A negative number gives 0 and a debug message.
-    BIG_ULONG128(int value);
     BIG_INLINE BIG_ULONG128(unsigned long long value)
         : BIG_ULONG128(value, value > 0xFFFFFFFFu ? 2 : 1) {}
+    BIG_LOCAL BIG_ULONG128(unsigned long value)
+        : BIG_ULONG128(static_cast<unsigned long long>(value)) {}
+    /// A negative number gives 0 and a debug message.
+    BIG_ULONG128(int value);
+    BIG_LOCAL BIG_ULONG128(long long value)
+        : BIG_ULONG128(value < 0 ? BIG_ULONG128(-1)
+                                 : BIG_ULONG128(static_cast<unsigned long long>(value))) {}
+    BIG_LOCAL BIG_ULONG128(long value) : BIG_ULONG128(static_cast<long long>(value)) {}
     BIG_INLINE BIG_ULONG128(BIG_ULONG128 const& other)
         : BIG_ULONG128(other.value(), other.m_length) {}
     BIG_INLINE BIG_ULONG128& operator=(BIG_ULONG128 const& other) {
@@ -513,6 +535,11 @@ public:
         return *this;
     }
     BIG_INLINE BIG_ULONG128& operator=(unsigned int const& value) { return assign(value, 1); }
+    /// Any other integer, as it is constructed from.
+    template <typename INTEGER, FOR_NUMBER<INTEGER, true> = 0>
+    BIG_LOCAL BIG_ULONG128& operator=(INTEGER value) {
+        return *this = BIG_ULONG128(value);
+    }
     BIG_INLINE ~BIG_ULONG128() {}
 
     // --- Arithmetic ---
@@ -541,9 +568,17 @@ public:
     BIG_INLINE BIG_ULONG128 operator*(BIG_ULONG128 const& other) const;
     BIG_INLINE BIG_ULONG128& operator*=(BIG_ULONG128 const& other) { return *this = *this * other; }
 
-    /// Quotient, rounded down. Internal error: "Division by Zero".
+    /// Quotient, rounded down. Internal error: "Division by Zero", also for a negative divisor,
+    /// which is constructed as 0.
     BIG_ULONG128 operator/(unsigned int const& divisor) const;
     BIG_ULONG128 operator/(BIG_ULONG128 const& divisor) const;
+    /// Without these any other number would be cut to an unsigned int.
+    template <typename INTEGER, FOR_NUMBER<INTEGER, true> = 0>
+    BIG_LOCAL BIG_ULONG128 operator/(INTEGER divisor) const {
+        return *this / BIG_ULONG128(divisor);
+    }
+    template <typename NUMBER, FOR_NUMBER<NUMBER, false> = 0>
+    BIG_ULONG128 operator/(NUMBER divisor) const = delete;
     BIG_ULONG128& operator/=(BIG_ULONG128 const& divisor);
 
     /// Remainder. Internal errors: "Division by Zero" from %, "Modulo by Zero" from %=; "Underflow"
@@ -758,9 +793,44 @@ BIG_API unsigned int big_gcd_binary(unsigned int a, unsigned int b);
 BIG_API long long big_gcd_binary(long long a, long long b);
 BIG_API BIG_ULONG128 big_gcd_binary(BIG_ULONG128 a, BIG_ULONG128 b);
 
-/// Divides both by their greatest common divisor. Two negatives become positive (but -2^63, which
-/// has no positive counterpart, stays negative), one keeps its sign; two zeros stay.
+/// Whether a type of integer has no form of its own and fits long long.
+template <typename INTEGER>
+inline constexpr bool BIG_GCD_WIDENS =
+    (std::is_same_v<INTEGER, int> || std::is_same_v<INTEGER, long> || sizeof(INTEGER) < sizeof(int))
+    && std::is_integral_v<INTEGER>;
+
+/// long long, for two such types.
+template <typename A, typename B>
+using BIG_GCD_WIDENED = std::enable_if_t<BIG_GCD_WIDENS<A> && BIG_GCD_WIDENS<B>, long long>;
+
+/// The signed forms for int, long and the short integer types.
+template <typename A, typename B>
+inline BIG_GCD_WIDENED<A, B> big_gcd_additive(A a, B b) {
+    return big_gcd_additive(static_cast<long long>(a), static_cast<long long>(b));
+}
+template <typename A, typename B>
+inline BIG_GCD_WIDENED<A, B> big_gcd_modulo(A a, B b) {
+    return big_gcd_modulo(static_cast<long long>(a), static_cast<long long>(b));
+}
+template <typename A, typename B>
+inline BIG_GCD_WIDENED<A, B> big_gcd_binary(A a, B b) {
+    return big_gcd_binary(static_cast<long long>(a), static_cast<long long>(b));
+}
+
+/// Divides both by their greatest common divisor. Two negatives become positive, one keeps its
+/// sign; two zeros stay.
+///
+/// -2^63 has no positive counterpart and stays negative. Beside another negative number, which
+/// becomes positive, the quotient changes its sign: (-2^63, -2) gives (-2^62, 1). Where the divisor
+/// itself is 2^63, (-2^63, -2^63) gives (1, 1) and (-2^63, 0) gives (1, 0).
 BIG_API void big_suppress_gcd(long long& numerator, long long& denominator);
+inline void big_suppress_gcd(long& numerator, long& denominator) {
+    long long wide_numerator = numerator;
+    long long wide_denominator = denominator;
+    big_suppress_gcd(wide_numerator, wide_denominator);
+    numerator = static_cast<long>(wide_numerator);
+    denominator = static_cast<long>(wide_denominator);
+}
 
 // ------------------------------------------------------------------------------------------------
 // Decimal numbers held as text
@@ -785,12 +855,22 @@ BIG_API void big_trim_end_zero(std::string* s);
 /// input time is too big. It is over 64 bits."; 19 digits above 2^63 - 1 wrap.
 BIG_API long long big_atoi64(std::string const& s);
 
-/// Adds one to the last digit, with its carries; the blanks at both ends go. An empty text is the
-/// internal error "!str->empty()".
+/// Adds one to the last digit, with its carries; the blanks at both ends go. A carry out of the
+/// first digit, and a text of points and signs alone, get a 1 in front, behind a sign.
+///
+/// An empty text is the internal error "!str->empty()"; one of blanks becomes empty.
+///
+/// @pre between the blanks are digits, points and signs only: another character that is last, or
+///      that a carry meets, would be counted up as a byte
 BIG_API void big_rounding(std::string* s);
 
 /// Rounds half up on the magnitude to `precision` digits after the point (0 drops the point), and
 /// then drops trailing zeros if asked to. A number without a point stays as it is.
+///
+/// What is cut off must leave something to round up: ".5" to 0 digits is the internal error
+/// "!str->empty()".
+///
+/// @pre nothing follows the number, see big_rounding()
 BIG_API void big_round_to_precision(std::string* s, unsigned int precision,
                                     bool trim_trailing_zeros);
 
@@ -849,8 +929,9 @@ BIG_API BIG_TIME::TIME_UNIT big_get_time_unit(std::string const& s);
 
 /// The canonical text of a decimal number: without white space around it, without needless zeros,
 /// but with one digit after the point, and with its plus sign. Zeros directly after a leading point
-/// go too: ".05" gives ".5", on which callers rely. An illegal number gives an empty text and a
-/// debug message.
+/// go too, on which callers rely: ".05" gives ".5", and ".000" gives ".". An illegal number gives
+/// an empty text and a debug message; "+." is legal, though it has no digit, and comes back as it
+/// is.
 BIG_API std::string big_get_time_value(std::string const& s);
 
 // ------------------------------------------------------------------------------------------------
@@ -871,7 +952,7 @@ enum BIG_RADIX : unsigned int {
 /// What is wrong with an ASCII text.
 enum BIG_ASCII_CHECK_RESULT : unsigned int {
     BIG_ASCII_OK = 0,
-    BIG_ASCII_BAD_ESCAPE = 1,        ///< a backslash last, or before anything but [ \ ]
+    BIG_ASCII_BAD_ESCAPE = 1,        ///< a backslash last, or before anything but `[`, `\` and `]`
     BIG_ASCII_CODE_TOO_LARGE = 2,    ///< a bracketed code above 255
     BIG_ASCII_BAD_CODE = 3,          ///< a bracketed code that is not a number
     BIG_ASCII_EMPTY_CODE = 4,        ///< []
@@ -887,8 +968,9 @@ BIG_API bool big_string_is_legal(std::string const& source, BIG_RADIX radix);
 /// Whether a byte is printable ASCII, 0x20 to 0x7E.
 BIG_API bool big_char_is_printable(char c);
 
-/// Whether a text is legal in the ASCII notation: characters stand for themselves, \[ \\ and \] for
-/// the escaped one, and [65] for the byte of that number.
+/// Whether a text is legal in the ASCII notation: printable characters stand for themselves, `\[`
+/// `\\` and `\]` for the escaped one, `[65]` for the byte of that number, and `[ ]` for a space,
+/// which is how the library writes it. Any other byte counts as NUL, with a debug message.
 ///
 /// @param result untouched on success; for codes 2 and 3 it becomes the offending code
 /// @param check  receives what is wrong
@@ -897,9 +979,10 @@ BIG_API bool big_validate_ascii_string(std::string const& source, std::string* r
 
 /// Converts a bit vector from one radix to another at a width.
 ///
-/// Binary, octal and hexadecimal digits may be the logic values X, Z, U, W, -, H and L in either
-/// case; in decimal they make the whole value unknown. Internal errors: "source.size() > 0" for an
-/// empty source, "Invalid radix." above 6.
+/// Digits may be the logic values X, Z, U, W, -, H and L in either case. In decimal H and L are the
+/// digits 1 and 0; a value whose digits are all Z, or that is a sign alone, is Z; any other value
+/// with X, Z, U, W or - among its digits is X. Internal errors: "source.size() > 0" for an empty
+/// source, "Invalid radix." above 6.
 ///
 /// @param source the value in radix `from`
 /// @param result receives the value in radix `to` as its whole content; "X" on failure. Only a

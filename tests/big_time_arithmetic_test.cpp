@@ -165,6 +165,22 @@ TEST_F(BigTimeArithmetic, NumbersAreScaledByTheUnitThatATextNames) {
     EXPECT_EQ(recording::reports(), SILENCE);
 }
 
+TEST_F(BigTimeArithmetic, ALiteralUnitTextGoesWithEveryIntegerZeroIncluded) {
+    BIG_TIME set;
+    EXPECT_EQ(held_by(BIG_TIME(0, "ns")), (HELD{0, BIG_TIME::UNIT_NS}));
+    EXPECT_EQ(held_by(BIG_TIME(5, "ns")), (HELD{5000, BIG_TIME::UNIT_NS}));
+    EXPECT_EQ(held_by(BIG_TIME(5L, "ns")), (HELD{5000, BIG_TIME::UNIT_NS}));
+    EXPECT_EQ(held_by(BIG_TIME(5000000000L, "ps")), (HELD{5000000000, BIG_TIME::UNIT_PS}));
+    EXPECT_EQ(held_by(BIG_TIME(5u, "ns")), (HELD{5000, BIG_TIME::UNIT_NS}));
+    EXPECT_TRUE(set.set_time(0, "us"));
+    EXPECT_EQ(held_by(set), (HELD{0, BIG_TIME::UNIT_US}));
+    EXPECT_TRUE(set.set_time(5000000000L, "ps"));
+    EXPECT_EQ(held_by(set), (HELD{5000000000, BIG_TIME::UNIT_PS}));
+    EXPECT_EQ(recording::reports(), SILENCE);
+    EXPECT_FALSE(set.set_time(0, "furlong"));
+    EXPECT_EQ(held_by(BIG_TIME(0, "furlong")), (HELD{0, BIG_TIME::UNIT_NONE}));
+}
+
 TEST_F(BigTimeArithmetic, AConstructorThatIsRefusedSaysSoAndKeepsTheDefaultState) {
     std::vector<recording::CALL> const failed = {recording::debug("BIG_TIME constructor failed")};
     for (int const unit : {15, -1, 16, INT_MAX, INT_MIN}) {

@@ -15,7 +15,9 @@
 #include <climits>
 #include <cstddef>
 #include <cstring>
+#include <functional>
 #include <iterator>
+#include <limits>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -266,6 +268,109 @@ TEST(BigUlong128, AssignmentOfTwoWordsTouchesTheFirstTwoCells) {
     value = 0x100000000ull;
     EXPECT_TRUE(same(value, {2, {0u, 1u, 3u, 4u}}));
 }
+
+// ------------------------------------------------------------------------------------------------
+// Every type of integer
+// ------------------------------------------------------------------------------------------------
+
+template <typename INTEGER>
+class BigUlong128OfType : public testing::Test {
+protected:
+    using LIMITS = std::numeric_limits<INTEGER>;
+
+    /// Numbers at the edges of the type, and around 2^32 where it has them.
+    static std::vector<INTEGER> numbers() {
+        std::vector<INTEGER> all = {LIMITS::min(), INTEGER(0), INTEGER(1), LIMITS::max(),
+                                    INTEGER(LIMITS::max() / 2)};
+        if (LIMITS::is_signed)
+            all.push_back(INTEGER(-1));
+        for (unsigned long long const number :
+             {2ull, 10ull, 0xFFFFFFFFull, 0x100000000ull, 0x100000003ull, 10000000000ull})
+            if (number <= static_cast<unsigned long long>(LIMITS::max()))
+                all.push_back(static_cast<INTEGER>(number));
+        return all;
+    }
+
+    /// Expects a statement to say that a number is negative, if it is, and nothing else.
+    template <typename STATEMENT>
+    static void expect_report(INTEGER number, std::string const& text, STATEMENT statement) {
+        recording::clear();
+        EXPECT_EQ(report_of(statement), text);
+        std::vector<recording::CALL> expected;
+        if (number < INTEGER(0))
+            expected.push_back(
+                recording::debug("Error: Negative number in BIG_ULONG128::BIG_ULONG128(int) "));
+        std::vector<recording::CALL> reports = recording::reports();
+        if (!text.empty())
+            reports.pop_back(); // the internal error itself
+        EXPECT_EQ(reports, expected);
+    }
+};
+
+using INTEGERS = testing::Types<bool, char, signed char, unsigned char, wchar_t, char16_t, char32_t,
+                                short, unsigned short, int, unsigned int, long, unsigned long,
+                                long long, unsigned long long>;
+TYPED_TEST_SUITE(BigUlong128OfType, INTEGERS);
+
+TYPED_TEST(BigUlong128OfType, IsConstructedAndAssigned) {
+    for (TypeParam const number : TestFixture::numbers()) {
+        USED const expected = cells_of(number < TypeParam(0) ? 0 : static_cast<WIDE>(number));
+        SCOPED_TRACE(text_of(expected));
+        TestFixture::expect_report(number, "",
+                                   [&] { EXPECT_TRUE(is(expected, BIG_ULONG128(number))); });
+        TestFixture::expect_report(number, "", [&] {
+            BIG_ULONG128 const value = number;
+            EXPECT_TRUE(is(expected, value));
+        });
+        TestFixture::expect_report(number, "", [&] {
+            BIG_ULONG128 value = value_of({1, 2, 3, 4});
+            EXPECT_EQ(&(value = number), &value);
+            EXPECT_TRUE(is(expected, value));
+        });
+    }
+}
+
+TYPED_TEST(BigUlong128OfType, DividesByTheWholeNumber) {
+    for (TypeParam const divisor : TestFixture::numbers()) {
+        WIDE const number = divisor < TypeParam(0) ? 0 : static_cast<WIDE>(divisor);
+        char const* const failure = number == 0 ? "Division by Zero" : "";
+        WIDE const some = number == 0 ? 1 : number; // so that the machine can divide by it
+        for (WIDE const dividend : {WIDE(0), WIDE(7), WIDE(1000000000000000000), ~WIDE(0)}) {
+            BIG_ULONG128 const value = value_of(cells_of(dividend));
+            SCOPED_TRACE(testing::PrintToString(value) + " by " + text_of(cells_of(number)));
+            USED const quotient = cells_of(dividend / some);
+            USED const remainder = cells_of(dividend % some);
+            TestFixture::expect_report(divisor, failure,
+                                       [&] { EXPECT_TRUE(is(quotient, value / divisor)); });
+            TestFixture::expect_report(divisor, failure, [&] {
+                BIG_ULONG128 target = value;
+                EXPECT_TRUE(is(quotient, target /= divisor));
+            });
+            TestFixture::expect_report(divisor, failure,
+                                       [&] { EXPECT_TRUE(is(remainder, value % divisor)); });
+            TestFixture::expect_report(divisor, compound_text("%", failure), [&] {
+                BIG_ULONG128 target = value;
+                EXPECT_TRUE(is(remainder, target %= divisor));
+            });
+        }
+    }
+}
+
+enum BITS : unsigned long long { BIT_40 = 1ull << 40 };
+
+TEST(BigUlong128, DividesByAnEnumerator) {
+    EXPECT_TRUE(is({1}, value_of(cells_of(BIT_40)) / BIT_40));
+}
+
+// What is not an integer up to 64 bits neither becomes a value nor is cut to a divisor.
+template <typename NUMBER>
+constexpr bool IS_TAKEN =
+    std::is_constructible_v<
+        BIG_ULONG128,
+        NUMBER> || std::is_assignable_v<BIG_ULONG128&, NUMBER> || std::is_invocable_v<std::divides<>, BIG_ULONG128, NUMBER>;
+static_assert(!IS_TAKEN<float> && !IS_TAKEN<double> && !IS_TAKEN<long double>);
+static_assert(!IS_TAKEN<WIDE> && !IS_TAKEN<char const*> && !IS_TAKEN<std::nullptr_t>);
+static_assert(IS_TAKEN<int>);
 
 // ------------------------------------------------------------------------------------------------
 // Results and reports

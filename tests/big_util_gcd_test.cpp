@@ -260,6 +260,50 @@ TEST(BigUtilGcd, TheSmallestNumberHasAMagnitude) {
     EXPECT_EQ(big_gcd_binary(0LL, -5LL), 5);
 }
 
+// --- Other types of integers ---
+
+TEST(BigUtilGcd, ShortIntAndLongAreTakenAsLongLong) {
+    auto const expect = [](auto a, auto b, long long divisor) {
+        static_assert(std::is_same_v<decltype(big_gcd_additive(a, b)), long long>);
+        static_assert(std::is_same_v<decltype(big_gcd_modulo(a, b)), long long>);
+        static_assert(std::is_same_v<decltype(big_gcd_binary(a, b)), long long>);
+        EXPECT_EQ(big_gcd_additive(a, b), divisor);
+        EXPECT_EQ(big_gcd_modulo(a, b), divisor);
+        EXPECT_EQ(big_gcd_binary(a, b), divisor);
+    };
+    expect(12, 18, 6);
+    expect(-12, 18, 6);
+    expect(12L, -18L, 6);
+    expect(12, 18L, 6);
+    expect(-12L, 18, 6);
+    expect(short{12}, static_cast<unsigned char>(18), 6);
+    expect(static_cast<long>(MAX), static_cast<long>(MAX), MAX);
+    expect(std::numeric_limits<int>::min(), std::numeric_limits<int>::min(), 1LL << 31);
+    expect(static_cast<long>(MIN), static_cast<long>(MIN), MIN); // as of long long
+    EXPECT_EQ(big_gcd_modulo(0, 7), 7);
+    EXPECT_EQ(big_gcd_binary(7, 0), 7);
+}
+
+TEST(BigUtilGcd, OneOperandOfAFormsTypeChoosesTheForm) {
+    auto const expect = [](auto a, auto b, auto divisor) {
+        static_assert(std::is_same_v<decltype(big_gcd_modulo(a, b)), decltype(divisor)>);
+        EXPECT_EQ(big_gcd_modulo(a, b), divisor);
+        EXPECT_EQ(big_gcd_modulo(b, a), divisor);
+    };
+    expect(12, 18LL, 6LL);
+    expect(12L, 18LL, 6LL);
+    expect(12, 18u, 6u);
+    EXPECT_TRUE(is(big_gcd_modulo(BIG_ULONG128(12), 18L), 6));
+}
+
+// A 64-bit unsigned operand has no form that holds it, except that of 128 bits.
+template <typename A, typename B>
+concept HAS_DIVISOR = requires(A a, B b) {
+    big_gcd_modulo(a, b);
+};
+static_assert(!HAS_DIVISOR<unsigned long, unsigned long> && !HAS_DIVISOR<double, double>);
+static_assert(HAS_DIVISOR<unsigned long, BIG_ULONG128> && HAS_DIVISOR<int, int>);
+
 // --- 128-bit operands ---
 
 TEST(BigUtilGcd, WideOperandsReachPast64Bits) {
@@ -459,6 +503,11 @@ TEST(BigUtilGcd, PairIsDividedByItsDivisor) {
         big_suppress_gcd(numerator, denominator);
         EXPECT_EQ(numerator, c.reduced_numerator);
         EXPECT_EQ(denominator, c.reduced_denominator);
+        long long_numerator = static_cast<long>(c.numerator);
+        long long_denominator = static_cast<long>(c.denominator);
+        big_suppress_gcd(long_numerator, long_denominator);
+        EXPECT_EQ(long_numerator, c.reduced_numerator);
+        EXPECT_EQ(long_denominator, c.reduced_denominator);
     }
 }
 
@@ -468,6 +517,9 @@ TEST(BigUtilGcd, PairMayBeOneNumber) {
         long long both = number;
         big_suppress_gcd(both, both);
         EXPECT_EQ(both, reduced) << number;
+        long both_long = static_cast<long>(number);
+        big_suppress_gcd(both_long, both_long);
+        EXPECT_EQ(both_long, reduced) << number;
     }
 }
 

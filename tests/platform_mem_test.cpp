@@ -179,6 +179,13 @@ TEST_F(PlatformMemDebug, AnExceptionOfTheSinkIsToldAndGoesNoFurther) {
     EXPECT_EQ(GetCapturedStderr(), "BIG: a debug message was lost: the log is full\n");
 }
 
+TEST_F(PlatformMemDebug, AnythingElseThatTheSinkThrowsGoesNoFurtherEither) {
+    mem_set_debug_sink([](char const*, char const*) { throw "the log is full"; });
+    CaptureStderr();
+    EXPECT_NO_THROW(debug("Empty string!"));
+    EXPECT_EQ(GetCapturedStderr(), "BIG: a debug message was lost: unknown exception\n");
+}
+
 TEST_F(PlatformMemDebug, SinksMayBeReplacedWhileOthersWrite) {
     std::thread writer([] {
         for (int i = 0; i < 2000; ++i)

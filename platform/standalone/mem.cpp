@@ -103,10 +103,10 @@ void print_debug_message(char const* module, std::string const& text) {
 } // namespace
 
 void mem_msg_local_vdebug(char const* module, char const* format, std::va_list args) {
-    auto const sink = debug_sink().get();
-    if (!sink && !debug_is_on())
-        return;
     try {
+        auto const sink = debug_sink().get();
+        if (!sink && !debug_is_on())
+            return;
         std::string text;
         if (!format_text(text, format, args))
             text = format;
@@ -116,6 +116,8 @@ void mem_msg_local_vdebug(char const* module, char const* format, std::va_list a
             print_debug_message(module, text);
     } catch (std::exception const& error) {
         std::fprintf(stderr, "%s: a debug message was lost: %s\n", module, error.what());
+    } catch (...) { // a sink may throw anything
+        std::fprintf(stderr, "%s: a debug message was lost: unknown exception\n", module);
     }
 }
 
