@@ -53,6 +53,12 @@ class PDB_CLASS_THUNK;
 /// 2000. Arithmetic works on the counts and does not look at units; only comparison and change of
 /// unit do.
 class BIG_API BIG_TIME {
+    /// Enables an overload for pointers to a text. A parameter of that type would take a {} that
+    /// means UNIT_NONE.
+    template <typename TEXT>
+    using FOR_TEXT_POINTER =
+        std::enable_if_t<std::is_pointer_v<TEXT> && std::is_convertible_v<TEXT, std::string>, int>;
+
 public:
     /// The units. The numbers are saved in databases and compared, so they never change.
     enum TIME_UNIT : int {
@@ -149,8 +155,8 @@ public:
     template <typename NUMBER, std::enable_if_t<std::is_integral_v<NUMBER>, int> = 0>
     BIG_TIME(long long value, NUMBER unit_number) = delete;
     /// For a text in quotes: without this form a 0 before it might be a null text as well.
-    BIG_LOCAL BIG_TIME(long long value, char const* unit_text)
-        : BIG_TIME(value, std::string(unit_text)) {}
+    template <typename TEXT, FOR_TEXT_POINTER<TEXT> = 0>
+    BIG_LOCAL BIG_TIME(long long value, TEXT unit_text) : BIG_TIME(value, std::string(unit_text)) {}
 
     /// Holds a number of units, scaled into the storage unit. A unit text is a unit's name in any
     /// letter case, or blank for UNIT_NONE. A unit outside 0 to 14, or a text that names none,
@@ -159,7 +165,8 @@ public:
     bool set_time(long long value, std::string const& unit_text);
     template <typename NUMBER, std::enable_if_t<std::is_integral_v<NUMBER>, int> = 0>
     bool set_time(long long value, NUMBER unit_number) = delete;
-    BIG_LOCAL bool set_time(long long value, char const* unit_text) {
+    template <typename TEXT, FOR_TEXT_POINTER<TEXT> = 0>
+    BIG_LOCAL bool set_time(long long value, TEXT unit_text) {
         return set_time(value, std::string(unit_text));
     }
 

@@ -165,15 +165,21 @@ TEST_F(BigTimeArithmetic, NumbersAreScaledByTheUnitThatATextNames) {
     EXPECT_EQ(recording::reports(), SILENCE);
 }
 
-TEST_F(BigTimeArithmetic, ALiteralUnitTextGoesWithEveryIntegerZeroIncluded) {
+TEST_F(BigTimeArithmetic, AUnitTextInQuotesGoesWithEveryIntegerZeroIncluded) {
     BIG_TIME set;
     EXPECT_EQ(held_by(BIG_TIME(0, "ns")), (HELD{0, BIG_TIME::UNIT_NS}));
     EXPECT_EQ(held_by(BIG_TIME(5, "ns")), (HELD{5000, BIG_TIME::UNIT_NS}));
     EXPECT_EQ(held_by(BIG_TIME(5L, "ns")), (HELD{5000, BIG_TIME::UNIT_NS}));
     EXPECT_EQ(held_by(BIG_TIME(5000000000L, "ps")), (HELD{5000000000, BIG_TIME::UNIT_PS}));
     EXPECT_EQ(held_by(BIG_TIME(5u, "ns")), (HELD{5000, BIG_TIME::UNIT_NS}));
+    EXPECT_EQ(held_by(BIG_TIME(5, {})), (HELD{5, BIG_TIME::UNIT_NONE})); // no text
+    std::string name = "ns";
+    EXPECT_EQ(held_by(BIG_TIME(0, name.c_str())), (HELD{0, BIG_TIME::UNIT_NS}));
+    EXPECT_EQ(held_by(BIG_TIME(5, name.data())), (HELD{5000, BIG_TIME::UNIT_NS}));
     EXPECT_TRUE(set.set_time(0, "us"));
     EXPECT_EQ(held_by(set), (HELD{0, BIG_TIME::UNIT_US}));
+    EXPECT_TRUE(set.set_time(5, {}));
+    EXPECT_EQ(held_by(set), (HELD{5, BIG_TIME::UNIT_NONE}));
     EXPECT_TRUE(set.set_time(5000000000L, "ps"));
     EXPECT_EQ(held_by(set), (HELD{5000000000, BIG_TIME::UNIT_PS}));
     EXPECT_EQ(recording::reports(), SILENCE);
