@@ -47,6 +47,31 @@ WORD load_characters(char const* text) {
     return std::endian::native == std::endian::little ? word : reverse_bytes(word);
 }
 
+/// Reads n <= 8 characters into the upper bytes of a word, the last one into the highest. Below
+/// them stands '0', like zeros in front of a number. Two reads that overlap leave no loop whose end
+/// could be mispredicted.
+inline WORD load_padded(char const* text, std::size_t n) {
+    auto const place = [n](std::size_t i) {
+        return 8 * (8 - n + i);
+    }; // the first bit of character i
+    WORD word = 0;
+    if (n >= 4)
+        word = load_characters<4>(text) << place(0) | load_characters<4>(text + n - 4) << 32;
+    else if (n > 0)
+        word = load_characters<1>(text) << place(0)
+               | load_characters<1>(text + n / 2) << place(n / 2)
+               | load_characters<1>(text + n - 1) << 56;
+    return word | everywhere('0') >> 4 * n >> 4 * n;
+}
+
+/// Reads the first n % 8 of n characters like load_padded(), so that whole words are left.
+inline WORD load_first(char const* text, std::size_t n) {
+    std::size_t const count = n % 8;
+    if (n < 8)
+        return load_padded(text, count);
+    return load_characters(text) << 8 * (7 - count) << 8 | everywhere('0') >> 8 * count;
+}
+
 /// Writes eight characters, the first from the lowest byte.
 inline void store_characters(WORD word, char* text) {
     if (std::endian::native != std::endian::little)
@@ -59,16 +84,14 @@ inline void store_characters(WORD word, char* text) {
 // ------------------------------------------------------------------------------------------------
 
 /// Whether characters, as load_characters() reads them, are all 0 or 1.
-template <std::size_t COUNT = 8>
 constexpr bool are_bits(WORD characters) {
-    return (characters & everywhere(0xFE)) == everywhere('0') >> 8 * (8 - COUNT);
+    return (characters & everywhere(0xFE)) == everywhere('0');
 }
 
 /// The number that characters 0 and 1 form. The product puts character i, whose lowest bit is bit
 /// 8i, at bit 63 - i: no two of its 64 terms meet in one bit.
-template <std::size_t COUNT = 8>
 constexpr WORD number_of_bits(WORD characters) {
-    return (characters & everywhere(1)) * 0x8040201008040201 >> (64 - COUNT);
+    return (characters & everywhere(1)) * 0x8040201008040201 >> 56;
 }
 
 /// Writes eight binary digits. Each byte of the spread word keeps one bit of the number, the first
@@ -128,19 +151,18 @@ inline bool read_bits(char const* text, std::size_t n, WORD* words) {
             return false;
     if (n == 0)
         return true;
-    bool legal = true;
+    WORD others = 0; // what the characters have in other bits than '0' and '1'
     WORD word = 0;
-    for (; n % 8 != 0; --n, ++text) {
-        legal = legal && (*text | 1) == '1';
-        word = word << 1 | (*text & 1);
-    }
-    for (; n != 0; n -= 8, text += 8) {
-        WORD const characters = load_characters(text);
-        legal = legal && are_bits(characters);
+    auto const append = [&](WORD characters) {
+        others |= (characters ^ everywhere('0')) & everywhere(0xFE);
         word = word << 8 | number_of_bits(characters);
-    }
+    };
+    if (n % 8 != 0)
+        append(load_first(text, n));
+    for (text += n % 8; n >= 8; n -= 8, text += 8)
+        append(load_characters(text));
     *words = word;
-    return legal;
+    return others == 0;
 }
 
 /// Writes the n lowest bits of a number; bits above its words are 0.
@@ -239,18 +261,6 @@ constexpr std::array<unsigned char, 256> HEX_VALUE = [] {
     return values;
 }();
 
-/// Reads up to 16 hexadecimal digits. Returns false when one of them is none.
-inline bool read_hex_digits(char const* text, std::size_t n, WORD& word) {
-    unsigned seen = 0;
-    word = 0;
-    for (std::size_t i = 0; i < n; ++i) {
-        unsigned const value = HEX_VALUE[static_cast<unsigned char>(text[i])];
-        seen |= value;
-        word = word << 4 | (value & 15);
-    }
-    return seen < 16;
-}
-
 #if BIG_SSE2
 /// The 16 hexadecimal digits of a register of characters. Returns false when one of them is none.
 inline bool hex_value_of(__m128i characters, WORD& word) {
@@ -284,6 +294,37 @@ inline __m128i hex_characters(WORD half_bytes) {
 }
 #endif
 
+/// The two hexadecimal digits of each byte.
+constexpr std::array<std::array<char, 2>, 256> HEX_PAIRS = [] {
+    std::array<std::array<char, 2>, 256> pairs{};
+    for (std::size_t i = 0; i < pairs.size(); ++i)
+        pairs[i] = {"0123456789ABCDEF"[i / 16], "0123456789ABCDEF"[i % 16]};
+    return pairs;
+}();
+
+/// Reads up to 16 hexadecimal digits. Returns false when one of them is none.
+inline bool read_hex_digits(char const* text, std::size_t n, WORD& word) {
+#if BIG_SSE2
+    bool const is_long = n >= 8; // then the first and the last eight digits, some of them twice
+    WORD const first = is_long ? load_characters(text) : everywhere('0');
+    WORD const last = is_long ? load_characters(text + n - 8) : load_padded(text, n);
+    bool const legal = hex_value_of(
+        _mm_set_epi64x(static_cast<long long>(last), static_cast<long long>(first)), word);
+    if (is_long)
+        word = word >> 32 << 4 * (n - 8) | (word & 0xFFFFFFFF);
+    return legal;
+#else
+    unsigned seen = 0;
+    word = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        unsigned const value = HEX_VALUE[static_cast<unsigned char>(text[i])];
+        seen |= value;
+        word = word << 4 | (value & 15);
+    }
+    return seen < 16;
+#endif
+}
+
 /// Reads 16 hexadecimal digits. Returns false when one of them is none.
 inline bool read_16_hex_digits(char const* text, WORD& word) {
 #if BIG_SSE2
@@ -298,17 +339,6 @@ inline bool read_hex(char const* text, std::size_t n, WORD* words) {
     for (; n >= HEX_DIGITS_PER_WORD; n -= HEX_DIGITS_PER_WORD)
         if (!read_16_hex_digits(text + n - HEX_DIGITS_PER_WORD, *words++))
             return false;
-#if BIG_SSE2
-    if (n >= 8) { // the first and the last eight digits, some of them twice
-        WORD both = 0;
-        bool const legal =
-            hex_value_of(_mm_set_epi64x(static_cast<long long>(load_characters(text + n - 8)),
-                                        static_cast<long long>(load_characters(text))),
-                         both);
-        *words = both >> 32 << 4 * (n - 8) | (both & 0xFFFFFFFF);
-        return legal;
-    }
-#endif
     return n == 0 || read_hex_digits(text, n, *words);
 }
 
@@ -322,6 +352,19 @@ inline void write_16_hex_digits(WORD word, char* text) {
     for (int i = 0; i < 16; ++i)
         text[i] = "0123456789ABCDEF"[word >> (60 - 4 * i) & 15];
 #endif
+}
+
+/// Writes the n <= 16 lowest hexadecimal digits of a word.
+inline void write_hex_digits(WORD word, std::size_t n, char* text) {
+    if (n < 8) {
+        for (; n != 0; word >>= 4)
+            text[--n] = "0123456789ABCDEF"[word & 15];
+        return;
+    }
+    char digits[16]; // the first and the last eight of the n, some of them twice
+    write_16_hex_digits(word, digits);
+    std::memcpy(text, digits + 16 - n, 8);
+    std::memcpy(text + n - 8, digits + 8, 8);
 }
 
 /// Writes 64 binary digits as 16 hexadecimal ones. The two may begin at the same place. Returns
@@ -340,12 +383,75 @@ inline bool write_64_bits_as_hex(char const* binary, char* text) {
     return true;
 }
 
+/// Writes 64 binary digits, of either letter case and logic values among them, as 16 hexadecimal
+/// ones: a group of one logic value is that value, and another that is no number is X. The two may
+/// begin at the same place. Returns false, with nothing written, when one of them is no binary
+/// digit, and always without SSE2.
+///
+/// A group of four characters is a lane of 32 bits. What the four are together is found in all
+/// lanes at once, and the digit is chosen by masks: a branch for each group could not be predicted
+/// where numbers and logic values take turns.
+inline bool write_64_logic_values_as_hex([[maybe_unused]] char const* binary,
+                                         [[maybe_unused]] char* text) {
+#if BIG_SSE2
+    auto const is = [](__m128i characters, char c) {
+        return _mm_cmpeq_epi8(characters, _mm_set1_epi8(c));
+    };
+    auto const any_of = [](__m128i a, __m128i b) { return _mm_or_si128(a, b); };
+    __m128i const all = _mm_set1_epi8(-1);
+    __m128i legal = all;
+    __m128i values[4];      // the character in the lowest byte of each lane
+    __m128i are_numbers[4]; // masks of lanes
+    __m128i are_equal[4];
+    WORD numbers = 0;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) {
+        __m128i const part = _mm_loadu_si128(reinterpret_cast<__m128i const*>(binary) + i);
+        __m128i const case_bits = _mm_srli_epi16(_mm_and_si128(part, _mm_set1_epi8(0x40)), 1);
+        __m128i const upper = _mm_andnot_si128(case_bits, part); // the bit 0x20 of letters alone
+        __m128i const with_1 = _mm_or_si128(upper, _mm_set1_epi8(1));
+        __m128i const with_2 = _mm_or_si128(upper, _mm_set1_epi8(2));
+        __m128i const with_4 = _mm_or_si128(upper, _mm_set1_epi8(4));
+        __m128i const is_bit = is(with_1, '1');
+        __m128i const is_logic = any_of(any_of(is(with_2, 'W'), is(with_2, 'Z')), // U W, X Z
+                                        any_of(is(with_4, 'L'), is(upper, '-'))); // H L, -
+        legal = _mm_and_si128(legal, any_of(is_bit, is_logic));
+
+        __m128i const turned = any_of(_mm_srli_epi32(upper, 8), _mm_slli_epi32(upper, 24));
+        are_numbers[i] = _mm_cmpeq_epi32(is_bit, all);
+        are_equal[i] = _mm_cmpeq_epi32(_mm_cmpeq_epi8(upper, turned), all);
+        values[i] = _mm_and_si128(upper, _mm_set1_epi32(0xFF));
+        auto const bits = static_cast<unsigned>(_mm_movemask_epi8(_mm_slli_epi16(part, 7)));
+        numbers |= static_cast<WORD>(bits) << 16 * i;
+    }
+    if (_mm_movemask_epi8(legal) != 0xFFFF)
+        return false;
+    auto const packed = [](__m128i const* lanes) { // the lowest byte of each
+        return _mm_packs_epi16(_mm_packs_epi32(lanes[0], lanes[1]),
+                               _mm_packs_epi32(lanes[2], lanes[3]));
+    };
+    auto const choose = [](__m128i mask, __m128i a, __m128i b) {
+        return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
+    };
+    __m128i const common = choose(packed(are_equal), packed(values), _mm_set1_epi8('X'));
+    __m128i const digits =
+        choose(packed(are_numbers), hex_characters(reverse_half_bytes(numbers)), common);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(text), digits);
+    return true;
+#else
+    return false;
+#endif
+}
+
 /// Writes the n lowest hexadecimal digits of a number; digits above its words are 0.
 inline void write_hex(WORD const* words, std::size_t used, std::size_t n, char* text) {
     for (; n > HEX_DIGITS_PER_WORD * used; --n)
         *text++ = '0';
-    for (; n % HEX_DIGITS_PER_WORD != 0; --n)
-        *text++ = "0123456789ABCDEF"[words[n / 16] >> 4 * ((n - 1) % 16) & 15];
+    if (std::size_t const first = n % HEX_DIGITS_PER_WORD; first != 0) {
+        write_hex_digits(words[n / HEX_DIGITS_PER_WORD], first, text);
+        text += first;
+        n -= first;
+    }
     for (; n != 0; n -= HEX_DIGITS_PER_WORD, text += HEX_DIGITS_PER_WORD)
         write_16_hex_digits(words[n / HEX_DIGITS_PER_WORD - 1], text);
 }
@@ -378,14 +484,14 @@ constexpr WORD eight_decimal(WORD characters) {
 inline bool read_decimal_digits(char const* text, std::size_t n, WORD& number) {
     bool legal = true;
     number = 0;
-    for (; n % 8 != 0; --n) {
-        unsigned const digit = static_cast<unsigned char>(*text++) - unsigned{'0'};
-        legal = legal && digit <= 9;
-        number = 10 * number + digit;
+    if (n % 8 != 0) {
+        WORD const characters = load_first(text, n);
+        legal = are_decimal(characters);
+        number = eight_decimal(characters);
     }
-    for (; n != 0; n -= 8, text += 8) {
+    for (text += n % 8; n >= 8; n -= 8, text += 8) {
         WORD const characters = load_characters(text);
-        legal = legal && are_decimal(characters);
+        legal &= are_decimal(characters);
         number = 100'000'000 * number + eight_decimal(characters);
     }
     return legal;
@@ -446,6 +552,25 @@ inline void write_decimal_digits(WORD number, std::size_t n, char* text) {
         store_characters(eight_decimal_characters(number) >> 8 * (8 - first) % 64, text);
     }
     store_characters(eight_decimal_characters(last), text + n - 8);
+}
+
+/// Room for the text of any word and its sign.
+constexpr std::size_t LONGEST_DECIMAL = 25;
+
+/// Writes a number in decimal in front of a place, eight digits at a time, and returns where its
+/// text begins. The zeros in front of that are written too, within LONGEST_DECIMAL - 1 characters.
+inline char* write_decimal_before(WORD number, char* end) {
+    constexpr WORD TEN_TO_8 = 100'000'000;
+    while (number >= TEN_TO_8) {
+        end -= 8;
+        store_characters(eight_decimal_characters(number % TEN_TO_8), end);
+        number /= TEN_TO_8;
+    }
+    WORD const characters = eight_decimal_characters(number);
+    store_characters(characters, end - 8);
+    // The highest byte, the last digit, counts whatever it is.
+    WORD const digits = (characters ^ everywhere('0')) | WORD{1} << 56;
+    return end - 8 + std::countr_zero(digits) / 8;
 }
 
 } // namespace big_digits
