@@ -247,24 +247,17 @@ inline void write_limbs(WORD const* digits, std::size_t count, bool has_minus, s
         big_digits::write_decimal_digits(digits[i], DIGITS_PER_LIMB, text);
 }
 
-/// Writes characters into *result from a place on, which ends the result. They are copied at one of
-/// a few lengths and what is too much is cut off, for the code of strings branches on lengths,
-/// which change from number to number. The characters must be followed by others, up to SHORT_TEXT.
-constexpr std::size_t SHORT_TEXT = 24;
-inline void write_short(char const* text, std::size_t size, std::string* result, std::size_t at) {
-    result->replace(at, std::string::npos, text, size <= 8 ? 8 : size <= 15 ? 15 : SHORT_TEXT);
-    result->resize(at + size);
-}
-
 /// Writes a number in decimal into *result from a place on, which ends the result.
 inline void write_decimal(SHORT_NUMBER const& value, bool has_minus, std::string* result,
                           std::size_t at) {
-    char text[big_digits::LONGEST_DECIMAL + SHORT_TEXT];
-    char* const end = text + big_digits::LONGEST_DECIMAL;
+    char text[big_digits::LONGEST_DECIMAL];
+    char* const end = text + sizeof text;
     char* begin = big_digits::write_decimal_before(*value.words(), end);
     if (has_minus)
         *--begin = '-';
-    write_short(begin, static_cast<std::size_t>(end - begin), result, at);
+    // Not make_room(), whose branch would be mispredicted: lengths change from number to number.
+    result->resize(at);
+    result->append(begin, static_cast<std::size_t>(end - begin));
 }
 
 inline void write_decimal(NUMBER const& value, bool has_minus, std::string* result,

@@ -825,30 +825,6 @@ unsigned int convert_value(std::string const& source, std::string* result, BIG_R
     return status;
 }
 
-bool is_decimal(BIG_RADIX radix) {
-    return radix == BIG_SIGNED_DEC || radix == BIG_UNSIGNED_DEC;
-}
-
-/// The same, in a single word where one will do. Long vectors that neither are nor become decimal
-/// are faster as digits.
-[[gnu::noinline]] unsigned int convert_number(std::string const& source, std::string* result,
-                                              BIG_RADIX from, BIG_RADIX to, unsigned int width) {
-    static constexpr std::size_t LONGEST[] = {64, 21, 16, 21, 20}; // characters for each radix
-    if (source.size() <= LONGEST[from])
-        if (auto const status = convert_value<SHORT_NUMBER>(source, result, from, to, width);
-            status != NOT_A_NUMBER)
-            return status;
-    return is_decimal(from) || is_decimal(to)
-               ? convert_value<NUMBER>(source, result, from, to, width)
-               : NOT_A_NUMBER;
-}
-
-/// Whether convert_number() knows the two radixes.
-bool converts_as_number(BIG_RADIX from, BIG_RADIX to) {
-    return from <= BIG_UNSIGNED_DEC && to <= BIG_UNSIGNED_DEC
-           && ((to != BIG_OCT && to != BIG_HEX) || has_standard_digits());
-}
-
 /// What a source that cannot be converted gives.
 [[gnu::noinline]] unsigned int not_convertible(std::string* result) {
     *result = 'X';
@@ -932,6 +908,29 @@ unsigned int convert_to_digits(std::string const& source, std::string* result, B
     return convert_by_bits(source, result, from, to, width);
 }
 
+bool is_decimal(BIG_RADIX radix) {
+    return radix == BIG_SIGNED_DEC || radix == BIG_UNSIGNED_DEC;
+}
+
+/// Whether a number between the two radixes can go through machine words.
+bool converts_as_number(BIG_RADIX from, BIG_RADIX to) {
+    return from <= BIG_UNSIGNED_DEC && to <= BIG_UNSIGNED_DEC
+           && ((to != BIG_OCT && to != BIG_HEX) || has_standard_digits());
+}
+
+/// Converts a number in a single word where one will do, in as many as it needs if it is or becomes
+/// decimal, and otherwise as digits, which is faster for long ones; and so what is no number.
+[[gnu::noinline]] unsigned int convert_number(std::string const& source, std::string* result,
+                                              BIG_RADIX from, BIG_RADIX to, unsigned int width) {
+    static constexpr std::size_t LONGEST[] = {64, 21, 16, 21, 20}; // characters for each radix
+    unsigned int status = NOT_A_NUMBER;
+    if (source.size() <= LONGEST[from])
+        status = convert_value<SHORT_NUMBER>(source, result, from, to, width);
+    if (status == NOT_A_NUMBER && (is_decimal(from) || is_decimal(to)))
+        status = convert_value<NUMBER>(source, result, from, to, width);
+    return status == NOT_A_NUMBER ? convert_otherwise(source, result, from, to, width) : status;
+}
+
 /// What too wide a fixed-point target gives; callers rely on what is in front of the X.
 [[gnu::noinline]] unsigned int append_unknown(std::string* result) {
     result->push_back('X');
@@ -965,9 +964,6 @@ unsigned int big_radix_conversion(std::string const& source, std::string* result
         if (to == BIG_HEX && from == BIG_BIN)
             return convert_groups<4>(source, result);
     }
-    if (converts_as_number(from, to))
-        if (auto const status = convert_number(source, result, from, to, width);
-            status != NOT_A_NUMBER)
-            return status;
-    return convert_otherwise(source, result, from, to, width);
+    return converts_as_number(from, to) ? convert_number(source, result, from, to, width)
+                                        : convert_otherwise(source, result, from, to, width);
 }

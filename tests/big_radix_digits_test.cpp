@@ -219,6 +219,22 @@ TEST(BigRadixDigits, EveryFourDecimalDigitsAreWrittenInEitherHalfOfEight) {
     }
 }
 
+TEST(BigRadixDigits, EveryFourDecimalDigitsAreWrittenAndReadInEachQuarterOfSixteen) {
+    for (WORD number = 0; number < 10000; ++number)
+        for (int quarter = 0; quarter < 4; ++quarter) {
+            WORD const placed = number * POWER_OF_TEN[static_cast<std::size_t>(4 * quarter)];
+            for (WORD const whole : {placed, POWER_OF_TEN[16] - 1 - placed}) {
+                std::string const expected = std::to_string(POWER_OF_TEN[16] + whole).substr(1);
+                std::string text(16, '?');
+                write_16_decimal_digits(whole, text.data());
+                ASSERT_EQ(text, expected);
+                WORD read = 0;
+                ASSERT_TRUE(read_16_decimal_digits(text.data(), read));
+                ASSERT_EQ(read, whole);
+            }
+        }
+}
+
 TEST(BigRadixDigits, DecimalNumbersAreWrittenAndReadAtEveryLength) {
     std::mt19937_64 random(604);
     for (std::size_t n = 1; n <= 20; ++n)
