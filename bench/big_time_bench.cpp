@@ -2,6 +2,7 @@
 
 #include "bench.h"
 #include "inputs.h"
+#include "plain.h"
 
 #include <big_sys.h>
 
@@ -225,9 +226,125 @@ void add_printing() {
     }
 }
 
+using bench::PLAIN_FREQUENCY;
+using bench::PLAIN_TIME;
+
+/// Two times, and a number to scale by.
+struct OPERANDS {
+    PLAIN_TIME a;
+    PLAIN_TIME b;
+    long long number; ///< not 0
+};
+
+/// Times in every unit of time, of which one pair in four is equal.
+OPERANDS operands(RANDOM& random, SPREAD spread) {
+    auto const number = [&](unsigned bits) {
+        auto const magnitude = static_cast<long long>(bench::random_number(random, spread, bits));
+        return below(random, 4) == 0 ? -magnitude : magnitude;
+    };
+    PLAIN_TIME const a{number(40), static_cast<int>(below(random, BIG_TIME::UNIT_S + 1))};
+    PLAIN_TIME const b{below(random, 4) == 0 ? a.value : number(40),
+                       static_cast<int>(below(random, BIG_TIME::UNIT_S + 1))};
+    return {a, b, number(20)};
+}
+
+BIG_TIME to_ours(PLAIN_TIME time) {
+    BIG_TIME ours(time.value, BIG_TIME::UNIT_NONE);
+    if (time.unit != BIG_TIME::UNIT_NONE)
+        ours.set_time_unit(static_cast<BIG_TIME::TIME_UNIT>(time.unit));
+    return ours;
+}
+
+std::string answer_of(BIG_TIME const& time) {
+    return std::to_string(time.get_time_value()) + ' ' + std::to_string(time.get_time_unit());
+}
+
+std::string answer_of(PLAIN_TIME const& time) {
+    return std::to_string(time.value) + ' ' + std::to_string(time.unit);
+}
+
+std::string answer_of(bool is_true) {
+    return is_true ? "true" : "false";
+}
+
+/// Adds an operation on two times and a number: `operate(a, b, number)`.
+template <typename OPERATE>
+void add_time_operation(std::string const& work, OPERATE operate) {
+    struct OURS {
+        BIG_TIME a;
+        BIG_TIME b;
+        long long number;
+    };
+    for (SPREAD const spread : {SPREAD::MIXED, SPREAD::SKEWED}) {
+        auto const on_input = [=](auto const& in) { return operate(in.a, in.b, in.number); };
+        auto const read = [](auto const& result) { return answer_of(result); };
+        bench::COMPARISON<OPERANDS, std::string> comparison(
+            "15/" + work + '/' + bench::name_of(spread),
+            [=] { return many([=](RANDOM& random) { return operands(random, spread); }); });
+        comparison
+            .add(
+                "ours",
+                [](OPERANDS const& in) {
+                    return OURS{to_ours(in.a), to_ours(in.b), in.number};
+                },
+                on_input, read)
+            .add(
+                "plain", [](OPERANDS const& in) { return in; }, on_input, read);
+    }
+}
+
+/// Adds an operation on a period in picoseconds, and one on a frequency and a number.
+void add_frequencies() {
+    auto const periods = [] {
+        return many([](RANDOM& random) {
+            return static_cast<int>(bench::random_number(random, SPREAD::MIXED, 31));
+        });
+    };
+    auto const hertz = [](auto const& frequency) {
+        if constexpr (std::is_same_v<decltype(frequency), BIG_FREQUENCY const&>)
+            return frequency.get_value();
+        else
+            return frequency.value;
+    };
+    auto const as_it_is = [](int period) { return period; };
+    auto const ours = [](int period) { return BIG_FREQUENCY(period); };
+    auto const plain = [](int period) { return PLAIN_FREQUENCY::of_period(period); };
+
+    bench::COMPARISON<int, double>("15/frequency_of_period/mixed", periods)
+        .add("ours", as_it_is, ours, hertz)
+        .add("plain", as_it_is, plain, hertz);
+    bench::COMPARISON<int, long long>("15/period_of_frequency/mixed", periods)
+        .add("ours", ours,
+             [](BIG_FREQUENCY frequency) {
+                 long long period = 0;
+                 frequency.compute_period(&period);
+                 return period;
+             })
+        .add("plain", plain, [](PLAIN_FREQUENCY const& frequency) { return frequency.period(); });
+    auto const scale = [](auto const& frequency) { return frequency * 3; };
+    bench::COMPARISON<int, double>("15/frequency_scale/mixed", periods)
+        .add("ours", ours, scale, hertz)
+        .add("plain", plain, scale, hertz);
+}
+
+void add_arithmetic() {
+    add_time_operation("time_less", [](auto const& a, auto const& b, long long) { return a < b; });
+    add_time_operation("time_equal",
+                       [](auto const& a, auto const& b, long long) { return a == b; });
+    add_time_operation("time_add", [](auto const& a, auto const& b, long long) { return a + b; });
+    add_time_operation("time_subtract",
+                       [](auto const& a, auto const& b, long long) { return a - b; });
+    add_time_operation("time_scale",
+                       [](auto const& a, auto const&, long long number) { return a * number; });
+    add_time_operation("time_divide",
+                       [](auto const& a, auto const&, long long number) { return a / number; });
+    add_frequencies();
+}
+
 } // namespace
 
 void bench::add_comparisons() {
     add_reading();
     add_printing();
+    add_arithmetic();
 }
