@@ -216,31 +216,49 @@ PATTERN write_each(char const* in, std::size_t count, char* out, PATTERNS const&
     return seen & MARKS;
 }
 
-/// The same; binary digits stay as they are, and are copied eight at a time.
+/// How many characters of a number are written at once: eight binary digits, which stay as they
+/// are, or 16 hexadecimal ones.
 template <std::size_t WIDTH>
-PATTERN write_all(char const* in, std::size_t count, char* out, PATTERNS const& patterns) {
+constexpr std::size_t BLOCK = WIDTH == 1 ? 8 : 16;
+
+/// Writes the digits of a block. Returns false, with nothing written, when it is not a number.
+template <std::size_t WIDTH>
+bool write_number_block(char const* in, char* out) {
+    if (WIDTH == 4)
+        return big_digits::write_16_hex_digits_as_bits(in, out);
+    WORD const characters = big_digits::load_characters(in);
+    if (!big_digits::are_bits(characters))
+        return false;
+    big_digits::store_characters(characters, out);
+    return true;
+}
+
+/// write_each() for whole blocks.
+template <std::size_t WIDTH>
+[[gnu::noinline]] PATTERN write_blocks(char const* in, std::size_t count, char* out,
+                                       PATTERNS const& patterns) {
     PATTERN marks = 0;
-    if constexpr (WIDTH == 1) {
-        for (; count >= 8; in += 8, out += 8, count -= 8) {
-            WORD const characters = big_digits::load_characters(in);
-            if (big_digits::are_bits(characters))
-                big_digits::store_characters(characters, out);
-            else
-                marks |= write_each<1>(in, 8, out, patterns);
-        }
-    }
-    return marks | write_each<WIDTH>(in, count, out, patterns);
+    for (; count != 0; count -= BLOCK<WIDTH>, in += BLOCK<WIDTH>, out += WIDTH * BLOCK<WIDTH>)
+        if (!write_number_block<WIDTH>(in, out))
+            marks |= write_each<WIDTH>(in, BLOCK<WIDTH>, out, patterns);
+    return marks;
 }
 
 /// Writes the digits of every character into *result from a place on, which ends the result.
 /// Returns whether all were legal.
 template <std::size_t WIDTH>
-bool write_patterns(std::string const& source, std::string* result, std::size_t at,
-                    PATTERNS const& patterns) {
+[[gnu::always_inline]] inline bool write_patterns(std::string const& source, std::string* result,
+                                                  std::size_t at, PATTERNS const& patterns) {
     std::size_t const count = source.size();
     make_room(result, at + WIDTH * count);
-    char* const out = result->data() + at; // the source may be the same string
-    if (write_all<WIDTH>(source.data(), count, out, patterns) == 0) [[likely]]
+    char const* const in = source.data(); // the source may be the same string
+    char* const out = result->data() + at;
+    std::size_t const in_blocks = WIDTH == 3 ? 0 : count - count % BLOCK<WIDTH>;
+    PATTERN marks =
+        write_each<WIDTH>(in + in_blocks, count - in_blocks, out + WIDTH * in_blocks, patterns);
+    if (in_blocks != 0)
+        marks |= write_blocks<WIDTH>(in, in_blocks, out, patterns);
+    if (marks == 0) [[likely]]
         return true;
     clear_marks(out, out + WIDTH * count);
     return false;
@@ -641,7 +659,7 @@ bool write_step(char const* binary, char* out) {
 /// Writes the digit of each group, the first of which may be shorter. They may be written over the
 /// binary digits themselves. Returns whether all of these were legal.
 template <std::size_t BITS>
-bool write_groups(char const* binary, std::size_t count, char* out) {
+[[gnu::always_inline]] inline bool write_groups(char const* binary, std::size_t count, char* out) {
     if (!has_standard_digits())
         return write_each_group<BITS>(binary, count, out);
     bool is_legal = true;
@@ -785,7 +803,7 @@ constexpr unsigned int NOT_A_NUMBER = 3;
 /// width is the number modulo 2^width. Returns the status, or NOT_A_NUMBER, with nothing changed,
 /// when the source has other digits than numbers have or the value is too short for it.
 template <class VALUE>
-unsigned int convert_value(std::string const& source, std::string* result, BIG_RADIX from,
+unsigned int convert_value(std::string_view source, std::string* result, BIG_RADIX from,
                            BIG_RADIX to, unsigned int width) {
     VALUE value;
     bool is_negative = false;
@@ -793,7 +811,7 @@ unsigned int convert_value(std::string const& source, std::string* result, BIG_R
     if (!read_number(source, from, value, is_negative, count))
         return NOT_A_NUMBER;
     std::size_t const bits = width == 0 ? count : width;
-    if (bits > VALUE::LARGEST_WIDTH)
+    if (bits > VALUE::LARGEST_WIDTH && is_negative) // whose complement needs all of them
         return NOT_A_NUMBER;
 
     unsigned int status = 0;
@@ -918,16 +936,28 @@ bool converts_as_number(BIG_RADIX from, BIG_RADIX to) {
            && ((to != BIG_OCT && to != BIG_HEX) || has_standard_digits());
 }
 
+/// Takes zeros in front off a number, as long as it has more than so many digits, at least eight.
+void remove_zeros(std::string_view& digits, std::size_t longest) {
+    while (digits.size() >= longest + 8
+           && big_digits::load_characters(digits.data()) == big_digits::everywhere('0'))
+        digits.remove_prefix(8);
+    while (digits.size() > longest && digits.front() == '0')
+        digits.remove_prefix(1);
+}
+
 /// Converts a number in a single word where one will do, in as many as it needs if it is or becomes
 /// decimal, and otherwise as digits, which is faster for long ones; and so what is no number.
 [[gnu::noinline]] unsigned int convert_number(std::string const& source, std::string* result,
                                               BIG_RADIX from, BIG_RADIX to, unsigned int width) {
     static constexpr std::size_t LONGEST[] = {64, 21, 16, 21, 20}; // characters for each radix
+    std::string_view digits = source;
+    if (from != BIG_SIGNED_DEC) // where a sign behind zeros is none
+        remove_zeros(digits, LONGEST[from]);
     unsigned int status = NOT_A_NUMBER;
-    if (source.size() <= LONGEST[from])
-        status = convert_value<SHORT_NUMBER>(source, result, from, to, width);
+    if (digits.size() <= LONGEST[from])
+        status = convert_value<SHORT_NUMBER>(digits, result, from, to, width);
     if (status == NOT_A_NUMBER && (is_decimal(from) || is_decimal(to)))
-        status = convert_value<NUMBER>(source, result, from, to, width);
+        status = convert_value<NUMBER>(digits, result, from, to, width);
     return status == NOT_A_NUMBER ? convert_otherwise(source, result, from, to, width) : status;
 }
 

@@ -79,6 +79,16 @@ inline void store_characters(WORD word, char* text) {
     std::memcpy(text, &word, sizeof word);
 }
 
+/// Writes zeros until at most so many of n digits are left, and returns the place behind them.
+inline char* write_zeros(std::size_t& n, std::size_t left, char* text) {
+    if (n <= left)
+        return text;
+    std::size_t const count = n - left;
+    std::memset(text, '0', count);
+    n = left;
+    return text + count;
+}
+
 // ------------------------------------------------------------------------------------------------
 // Binary digits
 // ------------------------------------------------------------------------------------------------
@@ -105,17 +115,17 @@ constexpr WORD eight_bit_characters(WORD number) {
 /// Collects the lowest bit of each of 64 characters, the first as bit 0. Returns false when one of
 /// them is not 0 or 1.
 inline bool collect_64_bits(char const* text, WORD& collected) {
-    __m128i same = _mm_set1_epi8(-1);
+    __m128i others = _mm_setzero_si128(); // what the characters have in other bits than '0' and '1'
     collected = 0;
 #pragma GCC unroll 4
     for (int i = 0; i < 4; ++i) {
         __m128i const part = _mm_loadu_si128(reinterpret_cast<__m128i const*>(text) + i);
-        __m128i const odd = _mm_or_si128(part, _mm_set1_epi8(1));
-        same = _mm_and_si128(same, _mm_cmpeq_epi8(odd, _mm_set1_epi8('1')));
+        others = _mm_or_si128(others, _mm_xor_si128(part, _mm_set1_epi8('0')));
         auto const bits = static_cast<unsigned>(_mm_movemask_epi8(_mm_slli_epi16(part, 7)));
         collected |= static_cast<WORD>(bits) << 16 * i;
     }
-    return _mm_movemask_epi8(same) == 0xFFFF;
+    __m128i const legal = _mm_cmpeq_epi8(_mm_or_si128(others, _mm_set1_epi8(1)), _mm_set1_epi8(1));
+    return _mm_movemask_epi8(legal) == 0xFFFF;
 }
 
 /// The bits of each half byte in opposite order.
@@ -167,8 +177,7 @@ inline bool read_bits(char const* text, std::size_t n, WORD* words) {
 
 /// Writes the n lowest bits of a number; bits above its words are 0.
 inline void write_bits(WORD const* words, std::size_t used, std::size_t n, char* text) {
-    for (; n > BITS_PER_WORD * used; --n)
-        *text++ = '0';
+    text = write_zeros(n, BITS_PER_WORD * used, text);
     for (; n % 8 != 0; --n)
         *text++ = static_cast<char>('0' + (words[(n - 1) / 64] >> (n - 1) % 64 & 1));
     for (; n != 0; n -= 8, text += 8)
@@ -262,23 +271,29 @@ constexpr std::array<unsigned char, 256> HEX_VALUE = [] {
 }();
 
 #if BIG_SSE2
-/// The 16 hexadecimal digits of a register of characters. Returns false when one of them is none.
-inline bool hex_value_of(__m128i characters, WORD& word) {
+/// The values of 16 hexadecimal digits. Returns false when one of them is none.
+inline bool hex_values_of(__m128i characters, __m128i& values) {
     __m128i const digit = _mm_sub_epi8(characters, _mm_set1_epi8('0'));
     __m128i const letter =
         _mm_sub_epi8(_mm_or_si128(characters, _mm_set1_epi8(0x20)), _mm_set1_epi8('a'));
     // An unsigned comparison: x <= limit where the minimum of both is x.
     __m128i const is_digit = _mm_cmpeq_epi8(_mm_min_epu8(digit, _mm_set1_epi8(9)), digit);
     __m128i const is_letter = _mm_cmpeq_epi8(_mm_min_epu8(letter, _mm_set1_epi8(5)), letter);
-    __m128i const values =
-        _mm_or_si128(_mm_and_si128(is_digit, digit),
-                     _mm_and_si128(is_letter, _mm_add_epi8(letter, _mm_set1_epi8(10))));
+    values = _mm_or_si128(_mm_and_si128(is_digit, digit),
+                          _mm_and_si128(is_letter, _mm_add_epi8(letter, _mm_set1_epi8(10))));
+    return _mm_movemask_epi8(_mm_or_si128(is_digit, is_letter)) == 0xFFFF;
+}
+
+/// The number that 16 hexadecimal digits form. Returns false when one of them is none.
+inline bool hex_value_of(__m128i characters, WORD& word) {
+    __m128i values;
+    bool const legal = hex_values_of(characters, values);
     // Two digits to a byte, the first one (the lower half of each pair of bytes) above the second.
     __m128i const pairs = _mm_and_si128(
         _mm_or_si128(_mm_slli_epi16(values, 4), _mm_srli_epi16(values, 8)), _mm_set1_epi16(0xFF));
     __m128i const bytes = _mm_packus_epi16(pairs, pairs);
     word = reverse_bytes(static_cast<WORD>(_mm_cvtsi128_si64(bytes)));
-    return _mm_movemask_epi8(_mm_or_si128(is_digit, is_letter)) == 0xFFFF;
+    return legal;
 }
 
 /// The 16 hexadecimal digits whose values are the half bytes of a word, the lowest one first.
@@ -351,6 +366,33 @@ inline void write_16_hex_digits(WORD word, char* text) {
 #else
     for (int i = 0; i < 16; ++i)
         text[i] = "0123456789ABCDEF"[word >> (60 - 4 * i) & 15];
+#endif
+}
+
+/// Writes 16 hexadecimal digits as 64 binary ones: each value is put into four bytes, and each of
+/// these looks at one of its bits. Returns false, with nothing written, when one of them is none,
+/// and always without SSE2.
+inline bool write_16_hex_digits_as_bits([[maybe_unused]] char const* text,
+                                        [[maybe_unused]] char* binary) {
+#if BIG_SSE2
+    __m128i values;
+    if (!hex_values_of(_mm_loadu_si128(reinterpret_cast<__m128i const*>(text)), values))
+        return false;
+    __m128i const first = _mm_unpacklo_epi8(values, values);
+    __m128i const last = _mm_unpackhi_epi8(values, values);
+    auto const write_fours = [binary](__m128i fours, int at) {
+        __m128i const weights = _mm_set1_epi32(0x01020408); // 8 in the first byte
+        __m128i const is_set = _mm_cmpeq_epi8(_mm_and_si128(fours, weights), weights); // -1
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(binary) + at,
+                         _mm_sub_epi8(_mm_set1_epi8('0'), is_set));
+    };
+    write_fours(_mm_unpacklo_epi16(first, first), 0);
+    write_fours(_mm_unpackhi_epi16(first, first), 1);
+    write_fours(_mm_unpacklo_epi16(last, last), 2);
+    write_fours(_mm_unpackhi_epi16(last, last), 3);
+    return true;
+#else
+    return false;
 #endif
 }
 
@@ -445,8 +487,7 @@ inline bool write_64_logic_values_as_hex([[maybe_unused]] char const* binary,
 
 /// Writes the n lowest hexadecimal digits of a number; digits above its words are 0.
 inline void write_hex(WORD const* words, std::size_t used, std::size_t n, char* text) {
-    for (; n > HEX_DIGITS_PER_WORD * used; --n)
-        *text++ = '0';
+    text = write_zeros(n, HEX_DIGITS_PER_WORD * used, text);
     if (std::size_t const first = n % HEX_DIGITS_PER_WORD; first != 0) {
         write_hex_digits(words[n / HEX_DIGITS_PER_WORD], first, text);
         text += first;

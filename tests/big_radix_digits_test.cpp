@@ -162,6 +162,29 @@ TEST(BigRadixDigits, BlocksOfLogicValuesAreWrittenInHexadecimalEvenOverThemselve
             }
         }
 }
+
+TEST(BigRadixDigits, BlocksOfHexadecimalDigitsAreWrittenInBinary) {
+    std::mt19937_64 random(607);
+    for (int i = 0; i < MANY; ++i) {
+        WORDS const words = random_words(random, 1);
+        std::string const text = digits_of(words, 4, 16);
+        std::string binary(64, '?');
+        ASSERT_TRUE(write_16_hex_digits_as_bits(text.data(), binary.data()));
+        ASSERT_EQ(binary, digits_of(words, 1, 64));
+    }
+    for (std::size_t at = 0; at < 16; ++at)
+        for (int byte = 0; byte < 256; ++byte) {
+            std::string text(16, 'f');
+            text[at] = static_cast<char>(byte);
+            std::string binary(64, '?');
+            bool const is_digit = HEX_VALUE[static_cast<std::size_t>(byte)] != NO_DIGIT;
+            ASSERT_EQ(write_16_hex_digits_as_bits(text.data(), binary.data()), is_digit)
+                << "byte " << byte << " at " << at;
+            if (!is_digit) {
+                ASSERT_EQ(binary, std::string(64, '?'));
+            }
+        }
+}
 #endif
 
 TEST(BigRadixDigits, FewCharactersAreReadBehindZeros) {
