@@ -51,15 +51,13 @@ WORD load_characters(char const* text) {
 /// them stands '0', like zeros in front of a number. Two reads that overlap leave no loop whose end
 /// could be mispredicted.
 inline WORD load_padded(char const* text, std::size_t n) {
-    auto const place = [n](std::size_t i) {
-        return 8 * (8 - n + i);
-    }; // the first bit of character i
+    std::size_t const first = 64 - 8 * n; // bit of the first character
     WORD word = 0;
     if (n >= 4)
-        word = load_characters<4>(text) << place(0) | load_characters<4>(text + n - 4) << 32;
+        word = load_characters<4>(text) << first | load_characters<4>(text + n - 4) << 32;
     else if (n > 0)
-        word = load_characters<1>(text) << place(0)
-               | load_characters<1>(text + n / 2) << place(n / 2)
+        word = load_characters<1>(text) << first
+               | load_characters<1>(text + n / 2) << (first + 8 * (n / 2))
                | load_characters<1>(text + n - 1) << 56;
     return word | everywhere('0') >> 4 * n >> 4 * n;
 }
@@ -228,9 +226,10 @@ inline bool read_octal(char const* text, std::size_t n, WORD* words) {
         legal = legal && are_octal(characters);
         append(eight_octal(characters), 24);
     }
-    for (; n != 0; --n) {
-        legal = legal && (text[n - 1] & 0xF8) == '0';
-        append(text[n - 1] & 0x07, 3);
+    if (n != 0) {
+        WORD const characters = load_padded(text, n);
+        legal = legal && are_octal(characters);
+        append(eight_octal(characters), 3 * n);
     }
     if (filled != 0)
         *words = word;
@@ -425,59 +424,78 @@ inline bool write_64_bits_as_hex(char const* binary, char* text) {
     return true;
 }
 
+#if BIG_SSE2
+/// In each byte a where the mask is set, else b.
+inline __m128i choose(__m128i mask, __m128i a, __m128i b) {
+    return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
+}
+
+/// Which binary digits, in upper case, are logic values.
+inline __m128i are_logic_values(__m128i upper) {
+    auto const is = [](__m128i characters, char c) {
+        return _mm_cmpeq_epi8(characters, _mm_set1_epi8(c));
+    };
+    __m128i const with_2 = _mm_or_si128(upper, _mm_set1_epi8(2));
+    __m128i const with_4 = _mm_or_si128(upper, _mm_set1_epi8(4));
+    return _mm_or_si128(_mm_or_si128(is(with_2, 'W'), is(with_2, 'Z')), // U W, X Z
+                        _mm_or_si128(is(with_4, 'L'), is(upper, '-'))); // H L, -
+}
+
+/// What groups of four binary digits are: each stands in a lane of 32 bits.
+struct GROUPS {
+    __m128i are_legal;   ///< each character by itself
+    __m128i are_numbers; ///< each lane
+    __m128i are_equal;   ///< each lane, whether its characters are
+    __m128i characters;  ///< the first of each lane
+};
+
+inline GROUPS classified(__m128i digits) {
+    __m128i const all = _mm_set1_epi8(-1);
+    __m128i const case_bits = _mm_srli_epi16(_mm_and_si128(digits, _mm_set1_epi8(0x40)), 1);
+    __m128i const upper = _mm_andnot_si128(case_bits, digits); // letters alone have both bits
+    __m128i const are_bits =
+        _mm_cmpeq_epi8(_mm_or_si128(upper, _mm_set1_epi8(1)), _mm_set1_epi8('1'));
+    __m128i const turned = _mm_or_si128(_mm_srli_epi32(upper, 8), _mm_slli_epi32(upper, 24));
+    return {_mm_or_si128(are_bits, are_logic_values(upper)), _mm_cmpeq_epi32(are_bits, all),
+            _mm_cmpeq_epi32(_mm_cmpeq_epi8(upper, turned), all),
+            _mm_and_si128(upper, _mm_set1_epi32(0xFF))};
+}
+
+/// The lowest byte of each lane. Lanes are -1 or below 128.
+inline __m128i lowest_bytes(__m128i a, __m128i b, __m128i c, __m128i d) {
+    return _mm_packs_epi16(_mm_packs_epi32(a, b), _mm_packs_epi32(c, d));
+}
+#endif
+
 /// Writes 64 binary digits, of either letter case and logic values among them, as 16 hexadecimal
 /// ones: a group of one logic value is that value, and another that is no number is X. The two may
 /// begin at the same place. Returns false, with nothing written, when one of them is no binary
 /// digit, and always without SSE2.
 ///
-/// A group of four characters is a lane of 32 bits. What the four are together is found in all
-/// lanes at once, and the digit is chosen by masks: a branch for each group could not be predicted
-/// where numbers and logic values take turns.
+/// What each group is is found in all lanes at once, and its digit is chosen by masks: a branch for
+/// each group could not be predicted where numbers and logic values take turns.
 inline bool write_64_logic_values_as_hex([[maybe_unused]] char const* binary,
                                          [[maybe_unused]] char* text) {
 #if BIG_SSE2
-    auto const is = [](__m128i characters, char c) {
-        return _mm_cmpeq_epi8(characters, _mm_set1_epi8(c));
+    auto const part = [binary](int i) {
+        return classified(_mm_loadu_si128(reinterpret_cast<__m128i const*>(binary) + i));
     };
-    auto const any_of = [](__m128i a, __m128i b) { return _mm_or_si128(a, b); };
-    __m128i const all = _mm_set1_epi8(-1);
-    __m128i legal = all;
-    __m128i values[4];      // the character in the lowest byte of each lane
-    __m128i are_numbers[4]; // masks of lanes
-    __m128i are_equal[4];
-    WORD numbers = 0;
-#pragma GCC unroll 4
-    for (int i = 0; i < 4; ++i) {
-        __m128i const part = _mm_loadu_si128(reinterpret_cast<__m128i const*>(binary) + i);
-        __m128i const case_bits = _mm_srli_epi16(_mm_and_si128(part, _mm_set1_epi8(0x40)), 1);
-        __m128i const upper = _mm_andnot_si128(case_bits, part); // the bit 0x20 of letters alone
-        __m128i const with_1 = _mm_or_si128(upper, _mm_set1_epi8(1));
-        __m128i const with_2 = _mm_or_si128(upper, _mm_set1_epi8(2));
-        __m128i const with_4 = _mm_or_si128(upper, _mm_set1_epi8(4));
-        __m128i const is_bit = is(with_1, '1');
-        __m128i const is_logic = any_of(any_of(is(with_2, 'W'), is(with_2, 'Z')), // U W, X Z
-                                        any_of(is(with_4, 'L'), is(upper, '-'))); // H L, -
-        legal = _mm_and_si128(legal, any_of(is_bit, is_logic));
-
-        __m128i const turned = any_of(_mm_srli_epi32(upper, 8), _mm_slli_epi32(upper, 24));
-        are_numbers[i] = _mm_cmpeq_epi32(is_bit, all);
-        are_equal[i] = _mm_cmpeq_epi32(_mm_cmpeq_epi8(upper, turned), all);
-        values[i] = _mm_and_si128(upper, _mm_set1_epi32(0xFF));
-        auto const bits = static_cast<unsigned>(_mm_movemask_epi8(_mm_slli_epi16(part, 7)));
-        numbers |= static_cast<WORD>(bits) << 16 * i;
-    }
-    if (_mm_movemask_epi8(legal) != 0xFFFF)
+    GROUPS const a = part(0);
+    GROUPS const b = part(1);
+    GROUPS const c = part(2);
+    GROUPS const d = part(3);
+    __m128i const are_legal = _mm_and_si128(_mm_and_si128(a.are_legal, b.are_legal),
+                                            _mm_and_si128(c.are_legal, d.are_legal));
+    if (_mm_movemask_epi8(are_legal) != 0xFFFF)
         return false;
-    auto const packed = [](__m128i const* lanes) { // the lowest byte of each
-        return _mm_packs_epi16(_mm_packs_epi32(lanes[0], lanes[1]),
-                               _mm_packs_epi32(lanes[2], lanes[3]));
-    };
-    auto const choose = [](__m128i mask, __m128i a, __m128i b) {
-        return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
-    };
-    __m128i const common = choose(packed(are_equal), packed(values), _mm_set1_epi8('X'));
+    WORD numbers = 0;
+    collect_64_bits(binary, numbers);
+    __m128i const logic_values = choose(
+        lowest_bytes(a.are_equal, b.are_equal, c.are_equal, d.are_equal),
+        lowest_bytes(a.characters, b.characters, c.characters, d.characters), _mm_set1_epi8('X'));
     __m128i const digits =
-        choose(packed(are_numbers), hex_characters(reverse_half_bytes(numbers)), common);
+        choose(lowest_bytes(a.are_numbers, b.are_numbers, c.are_numbers, d.are_numbers),
+               hex_characters(reverse_half_bytes(numbers)), logic_values);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(text), digits);
     return true;
 #else
