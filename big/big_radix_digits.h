@@ -676,6 +676,10 @@ constexpr std::size_t LONGEST_DECIMAL = 33;
 /// zeros in front of that, up to a multiple of 16 characters.
 inline char* write_decimal_before(WORD number, char* end) {
     char* const begin = end - decimal_length(number);
+    if (number < TEN_TO_8) {
+        store_characters(eight_decimal_characters(number), end - 8);
+        return begin;
+    }
     do {
         end -= 16;
         write_16_decimal_digits(number % TEN_TO_16, end);
