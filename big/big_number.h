@@ -164,6 +164,11 @@ bool read_hex(std::string_view digits, VALUE& value) {
     return true;
 }
 
+/// Reads at most 16 hexadecimal digits.
+inline bool read_hex(std::string_view digits, SHORT_NUMBER& value) {
+    return big_digits::read_hex_digits(digits.data(), digits.size(), *value.allocate(1));
+}
+
 /// Reads decimal digits, at least one. A number that does not fit is refused too, and more than 20
 /// digits are.
 inline bool read_decimal(std::string_view digits, SHORT_NUMBER& value) {
@@ -202,6 +207,13 @@ inline void make_room(std::string* text, std::size_t size) {
         resize(text, size);
 }
 
+/// Writes the lowest binary digits of a number as the whole of *result.
+template <class VALUE>
+void write_bits(VALUE const& value, std::size_t digits, std::string* result) {
+    make_room(result, digits);
+    big_digits::write_bits(value.words(), value.used(), digits, result->data());
+}
+
 /// Writes the lowest octal digits of a number as the whole of *result.
 template <class VALUE>
 void write_octal(VALUE const& value, std::size_t digits, std::string* result) {
@@ -238,7 +250,14 @@ inline void write_limbs(WORD const* digits, std::size_t count, bool has_minus, s
 /// Writes a number in decimal into *result from a place on, which ends the result.
 inline void write_decimal(SHORT_NUMBER const& value, bool has_minus, std::string* result,
                           std::size_t at) {
-    write_limbs(value.words(), value.used(), has_minus, result, at);
+    char text[big_digits::LONGEST_DECIMAL];
+    char* const end = text + sizeof text;
+    char* begin = big_digits::write_decimal_before(*value.words(), end);
+    if (has_minus)
+        *--begin = '-';
+    // Not make_room(), whose branch would be mispredicted: lengths change from number to number.
+    result->resize(at);
+    result->append(begin, static_cast<std::size_t>(end - begin));
 }
 
 inline void write_decimal(NUMBER const& value, bool has_minus, std::string* result,

@@ -17,8 +17,9 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 //     A           ASCII   01000001        01000001     41            65         A
 //
 // A binary digit may be a logic value (X, Z, U, W, -, H, L), which is why digits are characters.
-// Most vectors have none, and those that are or become decimal then go through machine words
-// (convert_number below), never becoming digits at all.
+// Most vectors have none. The short ones among these, and those that are or become decimal, go
+// through machine words (convert_number below), never becoming digits at all; but digits that fit
+// their width as they are need neither.
 
 #include "big_radix.h"
 
@@ -80,22 +81,32 @@ constexpr std::size_t index_of(char c) {
 
 /// What a character is as a binary digit: a set, so that the sets of a group's digits, intersected,
 /// say what they have in common. An illegal character is nothing.
-enum DIGIT_KIND : unsigned char {
-    ILLEGAL_DIGIT = 0,
+enum DIGIT_KIND : unsigned short {
     LOGIC_DIGIT = 1,    ///< times 2^i, for LOGIC_VALUES[i]
     NUMBER_DIGIT = 128, ///< 0 and 1
+    LEGAL_DIGIT = 256,  ///< both
 };
 constexpr std::string_view LOGIC_VALUES = "Z-UWHLX";
 
-constexpr std::array<unsigned char, 256> DIGIT_KINDS = [] {
-    std::array<unsigned char, 256> kinds{};
+constexpr std::array<unsigned short, 256> DIGIT_KINDS = [] {
+    std::array<unsigned short, 256> kinds{};
     for (std::size_t c = 0; c < kinds.size(); ++c) {
         std::size_t const i = LOGIC_VALUES.find(upper_case(static_cast<char>(c)));
         if (i != std::string_view::npos)
-            kinds[c] = static_cast<unsigned char>(LOGIC_DIGIT << i);
+            kinds[c] = static_cast<unsigned short>(LEGAL_DIGIT | LOGIC_DIGIT << i);
     }
-    kinds['0'] = kinds['1'] = NUMBER_DIGIT;
+    kinds['0'] = kinds['1'] = LEGAL_DIGIT | NUMBER_DIGIT;
     return kinds;
+}();
+
+/// The digit of a group by what its binary digits have in common, unless they form a number: the
+/// one logic value that all of them are, or X.
+constexpr std::array<char, NUMBER_DIGIT> COMMON_VALUE = [] {
+    std::array<char, NUMBER_DIGIT> values{};
+    values.fill('X');
+    for (std::size_t i = 0; i < LOGIC_VALUES.size(); ++i)
+        values[std::size_t{LOGIC_DIGIT} << i] = LOGIC_VALUES[i];
+    return values;
 }();
 
 } // namespace
@@ -205,31 +216,49 @@ PATTERN write_each(char const* in, std::size_t count, char* out, PATTERNS const&
     return seen & MARKS;
 }
 
-/// The same; binary digits stay as they are, and are copied eight at a time.
+/// How many characters of a number are written at once: eight binary digits, which stay as they
+/// are, or 16 hexadecimal ones.
 template <std::size_t WIDTH>
-PATTERN write_all(char const* in, std::size_t count, char* out, PATTERNS const& patterns) {
+constexpr std::size_t BLOCK = WIDTH == 1 ? 8 : 16;
+
+/// Writes the digits of a block. Returns false, with nothing written, when it is not a number.
+template <std::size_t WIDTH>
+bool write_number_block(char const* in, char* out) {
+    if (WIDTH == 4)
+        return big_digits::write_16_hex_digits_as_bits(in, out);
+    WORD const characters = big_digits::load_characters(in);
+    if (!big_digits::are_bits(characters))
+        return false;
+    big_digits::store_characters(characters, out);
+    return true;
+}
+
+/// write_each() for whole blocks.
+template <std::size_t WIDTH>
+[[gnu::noinline]] PATTERN write_blocks(char const* in, std::size_t count, char* out,
+                                       PATTERNS const& patterns) {
     PATTERN marks = 0;
-    if constexpr (WIDTH == 1) {
-        for (; count >= 8; in += 8, out += 8, count -= 8) {
-            WORD const characters = big_digits::load_characters(in);
-            if (big_digits::are_bits(characters))
-                big_digits::store_characters(characters, out);
-            else
-                marks |= write_each<1>(in, 8, out, patterns);
-        }
-    }
-    return marks | write_each<WIDTH>(in, count, out, patterns);
+    for (; count != 0; count -= BLOCK<WIDTH>, in += BLOCK<WIDTH>, out += WIDTH * BLOCK<WIDTH>)
+        if (!write_number_block<WIDTH>(in, out))
+            marks |= write_each<WIDTH>(in, BLOCK<WIDTH>, out, patterns);
+    return marks;
 }
 
 /// Writes the digits of every character into *result from a place on, which ends the result.
 /// Returns whether all were legal.
 template <std::size_t WIDTH>
-bool write_patterns(std::string const& source, std::string* result, std::size_t at,
-                    PATTERNS const& patterns) {
+[[gnu::always_inline]] inline bool write_patterns(std::string const& source, std::string* result,
+                                                  std::size_t at, PATTERNS const& patterns) {
     std::size_t const count = source.size();
     make_room(result, at + WIDTH * count);
-    char* const out = result->data() + at; // the source may be the same string
-    if (write_all<WIDTH>(source.data(), count, out, patterns) == 0) [[likely]]
+    char const* const in = source.data(); // the source may be the same string
+    char* const out = result->data() + at;
+    std::size_t const in_blocks = WIDTH == 3 ? 0 : count - count % BLOCK<WIDTH>;
+    PATTERN marks =
+        write_each<WIDTH>(in + in_blocks, count - in_blocks, out + WIDTH * in_blocks, patterns);
+    if (in_blocks != 0)
+        marks |= write_blocks<WIDTH>(in, in_blocks, out, patterns);
+    if (marks == 0) [[likely]]
         return true;
     clear_marks(out, out + WIDTH * count);
     return false;
@@ -570,36 +599,45 @@ bool has_standard_digits() {
     return BIG_HEXMAP == HEX_DIGITS;
 }
 
-/// The digit of a group: its number, the logic value of all its digits, or X. Notes when one of its
-/// characters is no binary digit.
-[[gnu::noinline]] char digit_of(char const* group, std::size_t bits, bool& is_legal) {
-    unsigned common = 0xFF;
+/// The digit of a group: its number, the logic value of all its digits, or X. There is no branch,
+/// as none could be predicted where numbers and logic values take turns. Notes what all binary
+/// digits have in common.
+char digit_of(char const* group, std::size_t bits, unsigned& common) {
+    unsigned kinds = LEGAL_DIGIT | (LEGAL_DIGIT - 1);
     unsigned number = 0;
     for (std::size_t i = 0; i < bits; ++i) {
-        unsigned const kind = DIGIT_KINDS[index_of(group[i])];
-        is_legal = is_legal && kind != ILLEGAL_DIGIT;
-        common &= kind;
+        kinds &= DIGIT_KINDS[index_of(group[i])];
         number = number << 1 | (index_of(group[i]) & 1);
     }
-    if (common == NUMBER_DIGIT)
-        return BIG_HEXMAP[number];
-    return common == 0 ? 'X' : LOGIC_VALUES[static_cast<std::size_t>(std::countr_zero(common))];
+    common &= kinds;
+    char const candidates[] = {COMMON_VALUE[kinds % NUMBER_DIGIT], BIG_HEXMAP[number]};
+    return candidates[(kinds & NUMBER_DIGIT) != 0];
 }
 
-/// The same for a whole group.
+constexpr std::size_t groups_of(std::size_t count, std::size_t bits) {
+    return (count + bits - 1) / bits;
+}
+
+/// Writes the digits of a few groups, the first of which may be shorter. Returns whether all binary
+/// digits were legal.
 template <std::size_t BITS>
-char digit_of(char const* group, bool& is_legal) {
-    WORD const characters = big_digits::load_characters<BITS>(group);
-    if (big_digits::are_bits<BITS>(characters))
-        return BIG_HEXMAP[big_digits::number_of_bits<BITS>(characters)];
-    return digit_of(group, BITS, is_legal);
+[[gnu::noinline]] bool write_each_group(char const* binary, std::size_t count, char* out) {
+    unsigned common = LEGAL_DIGIT;
+    if (std::size_t const first = count % BITS; first != 0) {
+        *out++ = digit_of(binary, first, common);
+        binary += first;
+        count -= first;
+    }
+    for (; count != 0; count -= BITS, binary += BITS)
+        *out++ = digit_of(binary, BITS, common);
+    return (common & LEGAL_DIGIT) != 0;
 }
 
-/// Writes the digits of several groups at once: of a multiple of eight binary digits, STEP of them.
-/// Returns false, with nothing written, when there are logic values among them.
+/// The binary digits that are written in one step: whole groups in words of eight.
 template <std::size_t BITS>
 constexpr std::size_t STEP = std::lcm(BITS, std::size_t{8});
 
+/// Writes the digits of a step. Returns false, with nothing written, when it is not a number.
 template <std::size_t BITS>
 bool write_step(char const* binary, char* out) {
     WORD number = 0;
@@ -609,57 +647,37 @@ bool write_step(char const* binary, char* out) {
             return false;
         number = number << 8 | big_digits::number_of_bits(characters);
     }
-    for (std::size_t left = STEP<BITS>; left != 0;) {
-        left -= BITS;
-        *out++ = BIG_HEXMAP[number >> left & ((1u << BITS) - 1)];
-    }
+    if (BITS == 1)
+        big_digits::store_characters(big_digits::eight_bit_characters(number), out);
+    else if (BITS == 3)
+        big_digits::store_characters(big_digits::eight_octal_characters(number), out);
+    else
+        std::memcpy(out, big_digits::HEX_PAIRS[number].data(), 2);
     return true;
-}
-
-/// Writes the digits of whole groups. Returns whether all binary digits were legal.
-template <std::size_t BITS>
-bool write_whole_groups(char const* binary, std::size_t count, char* out) {
-    bool is_legal = true;
-    while (count != 0) {
-        std::size_t taken = STEP<BITS>;
-        if (count < taken || !write_step<BITS>(binary, out)) {
-            taken = BITS;
-            *out = digit_of<BITS>(binary, is_legal);
-        }
-        binary += taken;
-        count -= taken;
-        out += taken / BITS;
-    }
-    return is_legal;
-}
-
-/// The same for long hexadecimal numbers, a word at a time.
-[[gnu::noinline]] bool write_long_hex(char const* binary, std::size_t count, char* out) {
-    bool is_legal = true;
-    for (; count >= BITS_PER_WORD;
-         binary += BITS_PER_WORD, count -= BITS_PER_WORD, out += BITS_PER_WORD / 4)
-        if (!big_digits::write_64_bits_as_hex(binary, out))
-            is_legal = write_whole_groups<4>(binary, BITS_PER_WORD, out) && is_legal;
-    return write_whole_groups<4>(binary, count, out) && is_legal;
 }
 
 /// Writes the digit of each group, the first of which may be shorter. They may be written over the
 /// binary digits themselves. Returns whether all of these were legal.
 template <std::size_t BITS>
-bool write_groups(char const* binary, std::size_t count, char* out) {
+[[gnu::always_inline]] inline bool write_groups(char const* binary, std::size_t count, char* out) {
+    if (!has_standard_digits())
+        return write_each_group<BITS>(binary, count, out);
     bool is_legal = true;
-    if (std::size_t const first = count % BITS; first != 0) {
-        *out++ = digit_of(binary, first, is_legal);
+    if (std::size_t const first = count % STEP<BITS>; first != 0) {
+        is_legal = write_each_group<BITS>(binary, first, out);
         binary += first;
+        out += groups_of(first, BITS);
         count -= first;
     }
-    if (BITS == 4 && count >= BITS_PER_WORD && has_standard_digits())
-        return write_long_hex(binary, count, out) && is_legal;
-    return write_whole_groups<BITS>(binary, count, out) && is_legal;
-}
-
-constexpr std::size_t groups_of(std::size_t count, std::size_t bits) {
-    return (count + bits - 1) / bits;
+    if constexpr (BITS == 4)
+        for (; count >= 64; count -= 64, binary += 64, out += 16)
+            if (!big_digits::write_64_bits_as_hex(binary, out)
+                && !big_digits::write_64_logic_values_as_hex(binary, out))
+                is_legal = write_each_group<BITS>(binary, 64, out) && is_legal;
+    for (; count != 0; count -= STEP<BITS>, binary += STEP<BITS>, out += STEP<BITS> / BITS)
+        if (!write_step<BITS>(binary, out))
+            is_legal = write_each_group<BITS>(binary, STEP<BITS>, out) && is_legal;
+    return is_legal;
 }
 
 } // namespace
@@ -779,63 +797,50 @@ bool read_number(std::string_view source, BIG_RADIX radix, VALUE& value, bool& i
     return is_number;
 }
 
-/// Converts a number to or from decimal, where the binary digits as characters are not needed: a
-/// number fitted to a width is the number modulo 2^width. Returns false, with nothing changed, when
-/// the source has other digits than numbers have, or the value is too short for it.
+constexpr unsigned int NOT_A_NUMBER = 3;
+
+/// Converts a number, for which binary digits as characters are not needed: a number fitted to a
+/// width is the number modulo 2^width. Returns the status, or NOT_A_NUMBER, with nothing changed,
+/// when the source has other digits than numbers have or the value is too short for it.
 template <class VALUE>
-bool convert_value(std::string const& source, std::string* result, BIG_RADIX from, BIG_RADIX to,
-                   unsigned int width, unsigned int& status) {
+unsigned int convert_value(std::string_view source, std::string* result, BIG_RADIX from,
+                           BIG_RADIX to, unsigned int width) {
     VALUE value;
     bool is_negative = false;
     std::size_t count = 0;
     if (!read_number(source, from, value, is_negative, count))
-        return false;
+        return NOT_A_NUMBER;
     std::size_t const bits = width == 0 ? count : width;
-    if (bits > VALUE::LARGEST_WIDTH)
-        return false;
+    if (bits > VALUE::LARGEST_WIDTH && is_negative) // whose complement needs all of them
+        return NOT_A_NUMBER;
 
-    // Only -2^(width - 1) fits with a binary digit more than the width.
-    bool const is_lowest = is_negative && count == bits + 1 && value.is_power_of_two();
-    status = count > bits && !is_lowest ? 2 : 0;
-    value.truncate(bits);
+    unsigned int status = 0;
+    if (count > bits) {
+        // Only -2^(width - 1) fits with a binary digit more than the width.
+        bool const is_lowest = is_negative && count == bits + 1 && value.is_power_of_two();
+        status = is_lowest ? 0 : 2;
+        value.truncate(bits);
+    }
 
-    // In two's complement of that many bits, a number with the highest bit set is negative; and so
-    // is the magnitude of a negative one, unless it exceeds 2^(bits - 1).
-    bool is_below_zero = value.has_bit(bits - 1);
-    if (is_negative)
-        is_below_zero = value.used() != 0 && (!is_below_zero || value.is_power_of_two());
-    bool const has_minus = to == BIG_SIGNED_DEC && is_below_zero;
-    if (is_negative != has_minus && value.used() != 0)
-        value.complement(bits);
+    bool has_minus = false;
+    if ((is_negative || to == BIG_SIGNED_DEC) && value.used() != 0) {
+        // In two's complement of that many bits, a number with the highest bit set is negative; and
+        // so is the magnitude of a negative one, unless it exceeds 2^(bits - 1).
+        bool const has_top_bit = value.has_bit(bits - 1);
+        bool const is_below_zero =
+            is_negative ? !has_top_bit || value.is_power_of_two() : has_top_bit;
+        has_minus = to == BIG_SIGNED_DEC && is_below_zero;
+        if (is_negative != has_minus)
+            value.complement(bits);
+    }
 
-    if (to == BIG_HEX)
-        write_hex(value, groups_of(bits, 4), result);
-    else if (to == BIG_OCT)
-        write_octal(value, groups_of(bits, 3), result);
-    else
-        write_decimal(value, has_minus, result, 0);
-    return true;
-}
-
-/// The same, in a single word where one will do.
-[[gnu::noinline]] bool convert_number(std::string const& source, std::string* result,
-                                      BIG_RADIX from, BIG_RADIX to, unsigned int width,
-                                      unsigned int& status) {
-    static constexpr std::size_t LONGEST[] = {64, 21, 16, 21, 20}; // characters for each radix
-    return (source.size() <= LONGEST[from]
-            && convert_value<SHORT_NUMBER>(source, result, from, to, width, status))
-           || convert_value<NUMBER>(source, result, from, to, width, status);
-}
-
-bool is_decimal(BIG_RADIX radix) {
-    return radix == BIG_SIGNED_DEC || radix == BIG_UNSIGNED_DEC;
-}
-
-/// Whether convert_number() knows the two radixes. Into binary it would be no faster.
-bool converts_as_number(BIG_RADIX from, BIG_RADIX to) {
-    if (is_decimal(to))
-        return is_decimal(from) || from <= BIG_HEX;
-    return is_decimal(from) && (to == BIG_OCT || to == BIG_HEX) && has_standard_digits();
+    switch (to) {
+    case BIG_BIN: write_bits(value, bits, result); break;
+    case BIG_OCT: write_octal(value, groups_of(bits, 3), result); break;
+    case BIG_HEX: write_hex(value, groups_of(bits, 4), result); break;
+    default: write_decimal(value, has_minus, result, 0); break;
+    }
+    return status;
 }
 
 /// What a source that cannot be converted gives.
@@ -893,14 +898,11 @@ template <std::size_t BITS>
 /// Converts into binary, octal or hexadecimal digits.
 unsigned int convert_to_digits(std::string const& source, std::string* result, BIG_RADIX from,
                                BIG_RADIX to, unsigned int width) {
-    if (to == BIG_BIN)
-        return convert_to_bits(source, result, from, width);
-    bool const fits = from == BIG_BIN && source.size() == width;
-    if (to == BIG_OCT)
-        return fits ? convert_groups<3>(source, result)
-                    : convert_to_groups<3>(source, result, from, width);
-    return fits ? convert_groups<4>(source, result)
-                : convert_to_groups<4>(source, result, from, width);
+    switch (to) {
+    case BIG_OCT: return convert_to_groups<3>(source, result, from, width);
+    case BIG_HEX: return convert_to_groups<4>(source, result, from, width);
+    default: return convert_to_bits(source, result, from, width);
+    }
 }
 
 /// Converts by way of a string of binary digits.
@@ -916,13 +918,47 @@ unsigned int convert_to_digits(std::string const& source, std::string* result, B
     return status;
 }
 
-/// Converts what is left: into and out of decimal, fixed point and ASCII.
+/// Converts what neither fits as it is nor is a number.
 [[gnu::noinline]] unsigned int convert_otherwise(std::string const& source, std::string* result,
                                                  BIG_RADIX from, BIG_RADIX to, unsigned int width) {
-    unsigned int status = 0;
-    if (converts_as_number(from, to) && convert_number(source, result, from, to, width, status))
-        return status;
+    if (from <= BIG_ASCII && to <= BIG_HEX)
+        return convert_to_digits(source, result, from, to, width);
     return convert_by_bits(source, result, from, to, width);
+}
+
+bool is_decimal(BIG_RADIX radix) {
+    return radix == BIG_SIGNED_DEC || radix == BIG_UNSIGNED_DEC;
+}
+
+/// Whether a number between the two radixes can go through machine words.
+bool converts_as_number(BIG_RADIX from, BIG_RADIX to) {
+    return from <= BIG_UNSIGNED_DEC && to <= BIG_UNSIGNED_DEC
+           && ((to != BIG_OCT && to != BIG_HEX) || has_standard_digits());
+}
+
+/// Takes zeros in front off a number, as long as it has more than so many digits, at least eight.
+void remove_zeros(std::string_view& digits, std::size_t longest) {
+    while (digits.size() >= longest + 8
+           && big_digits::load_characters(digits.data()) == big_digits::everywhere('0'))
+        digits.remove_prefix(8);
+    while (digits.size() > longest && digits.front() == '0')
+        digits.remove_prefix(1);
+}
+
+/// Converts a number in a single word where one will do, in as many as it needs if it is or becomes
+/// decimal, and otherwise as digits, which is faster for long ones; and so what is no number.
+[[gnu::noinline]] unsigned int convert_number(std::string const& source, std::string* result,
+                                              BIG_RADIX from, BIG_RADIX to, unsigned int width) {
+    static constexpr std::size_t LONGEST[] = {64, 21, 16, 21, 20}; // characters for each radix
+    std::string_view digits = source;
+    if (from != BIG_SIGNED_DEC) // where a sign behind zeros is none
+        remove_zeros(digits, LONGEST[from]);
+    unsigned int status = NOT_A_NUMBER;
+    if (digits.size() <= LONGEST[from])
+        status = convert_value<SHORT_NUMBER>(digits, result, from, to, width);
+    if (status == NOT_A_NUMBER && (is_decimal(from) || is_decimal(to)))
+        status = convert_value<NUMBER>(digits, result, from, to, width);
+    return status == NOT_A_NUMBER ? convert_otherwise(source, result, from, to, width) : status;
 }
 
 /// What too wide a fixed-point target gives; callers rely on what is in front of the X.
@@ -938,6 +974,8 @@ unsigned int convert_to_digits(std::string const& source, std::string* result, B
     return big_radix_conversion(source, text, from, to, width);
 }
 
+constexpr std::size_t DIGIT_BITS[] = {1, 3, 4}; // of BIG_BIN, BIG_OCT, BIG_HEX
+
 } // namespace
 
 unsigned int big_radix_conversion(std::string const& source, std::string* result, BIG_RADIX from,
@@ -947,7 +985,15 @@ unsigned int big_radix_conversion(std::string const& source, std::string* result
         return append_unknown(result);
     if (&source == result)
         return convert_in_place(result, from, to, width);
-    if (from <= BIG_ASCII && to <= BIG_HEX && (to == BIG_BIN || !is_decimal(from)))
-        return convert_to_digits(source, result, from, to, width);
-    return convert_otherwise(source, result, from, to, width);
+    // Digits that fit as they are are converted one by one, logic values like numbers.
+    if (from <= BIG_HEX && DIGIT_BITS[from] * source.size() == width) {
+        if (to == BIG_BIN)
+            return convert_to_bits(source, result, from, width);
+        if (to == BIG_OCT && from == BIG_BIN)
+            return convert_groups<3>(source, result);
+        if (to == BIG_HEX && from == BIG_BIN)
+            return convert_groups<4>(source, result);
+    }
+    return converts_as_number(from, to) ? convert_number(source, result, from, to, width)
+                                        : convert_otherwise(source, result, from, to, width);
 }

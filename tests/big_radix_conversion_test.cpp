@@ -227,6 +227,21 @@ TEST(BigRadixConversion, EveryPairOfRadixesAgreesOnShortSources) {
     }
 }
 
+TEST(BigRadixConversion, ShortNumbersInWideVectorsAgreeWithTheRules) {
+    std::mt19937_64 random(546);
+    for (int i = 0; i < 200; ++i)
+        for (unsigned pair = 0; pair < 25; ++pair) {
+            auto const from = static_cast<BIG_RADIX>(pair / 5);
+            auto const to = static_cast<BIG_RADIX>(pair % 5);
+            auto const width = static_cast<unsigned int>(random() % 140);
+            std::string source(random() % 60, '0');
+            source += random_source(random, from, 1 + random() % 24, random() % 8 == 0);
+            SCOPED_TRACE(describe(source, from, to, width));
+            ASSERT_EQ(convert(source, from, to, width),
+                      radix_oracle::convert(source, "before", from, to, width));
+        }
+}
+
 TEST(BigRadixConversion, EverySmallSignedNumberFitsItsWidthByTheRules) {
     for (unsigned int width = 0; width <= 9; ++width)
         for (int number = -300; number <= 300; ++number)

@@ -1,6 +1,7 @@
 // Many digits at a time: each operation against the digit-by-digit way.
 
 #include "big_radix_digits.h"
+#include "radix_oracle.h"
 
 #include <random>
 #include <string>
@@ -126,6 +127,81 @@ TEST(BigRadixDigits, BlocksOfBinaryDigitsAreWrittenInHexadecimalEvenOverThemselv
         }
 }
 
+#if BIG_SSE2
+TEST(BigRadixDigits, BlocksOfLogicValuesAreWrittenInHexadecimalEvenOverThemselves) {
+    std::mt19937_64 random(605);
+    std::string const digits = "01XZUW-HLxzuwhl";
+    for (int i = 0; i < MANY; ++i) {
+        std::string binary;
+        while (binary.size() < 64) // any digits, one digit four times, or a number
+            switch (random() % 3) {
+            case 0:
+                for (int j = 0; j < 4; ++j)
+                    binary += digits[random() % digits.size()];
+                break;
+            case 1: binary += std::string(4, digits[random() % digits.size()]); break;
+            default: binary += digits_of(random_words(random, 1), 1, 4);
+            }
+        SCOPED_TRACE(binary);
+        std::string text(16, '?');
+        ASSERT_TRUE(write_64_logic_values_as_hex(binary.data(), text.data()));
+        ASSERT_EQ(text, radix_oracle::groups_of(binary, 4));
+        ASSERT_TRUE(write_64_logic_values_as_hex(binary.data(), binary.data()));
+        ASSERT_EQ(binary.substr(0, 16), text);
+    }
+    for (std::size_t at = 0; at < 64; ++at)
+        for (int byte = 0; byte < 256; ++byte) {
+            std::string binary(64, 'z');
+            binary[at] = static_cast<char>(byte);
+            std::string text(16, '?');
+            bool const is_digit = digits.find(binary[at]) != std::string::npos;
+            ASSERT_EQ(write_64_logic_values_as_hex(binary.data(), text.data()), is_digit)
+                << "byte " << byte << " at " << at;
+            if (!is_digit) {
+                ASSERT_EQ(text, std::string(16, '?'));
+            }
+        }
+}
+
+TEST(BigRadixDigits, BlocksOfHexadecimalDigitsAreWrittenInBinary) {
+    std::mt19937_64 random(607);
+    for (int i = 0; i < MANY; ++i) {
+        WORDS const words = random_words(random, 1);
+        std::string const text = digits_of(words, 4, 16);
+        std::string binary(64, '?');
+        ASSERT_TRUE(write_16_hex_digits_as_bits(text.data(), binary.data()));
+        ASSERT_EQ(binary, digits_of(words, 1, 64));
+    }
+    for (std::size_t at = 0; at < 16; ++at)
+        for (int byte = 0; byte < 256; ++byte) {
+            std::string text(16, 'f');
+            text[at] = static_cast<char>(byte);
+            std::string binary(64, '?');
+            bool const is_digit = HEX_VALUE[static_cast<std::size_t>(byte)] != NO_DIGIT;
+            ASSERT_EQ(write_16_hex_digits_as_bits(text.data(), binary.data()), is_digit)
+                << "byte " << byte << " at " << at;
+            if (!is_digit) {
+                ASSERT_EQ(binary, std::string(64, '?'));
+            }
+        }
+}
+#endif
+
+TEST(BigRadixDigits, FewCharactersAreReadBehindZeros) {
+    std::string const text = "abcdefghijklmnopqrstuvwx";
+    for (std::size_t n = 0; n <= text.size(); ++n) {
+        std::string const exact = text.substr(0, n); // whose end the sanitizers guard
+        std::vector<char> const characters(exact.begin(), exact.end());
+        char read[8];
+        if (n <= 8) {
+            store_characters(load_padded(characters.data(), n), read);
+            EXPECT_EQ(std::string(read, 8), std::string(8 - n, '0') + exact);
+        }
+        store_characters(load_first(characters.data(), n), read);
+        EXPECT_EQ(std::string(read, 8), std::string(8 - n % 8, '0') + exact.substr(0, n % 8));
+    }
+}
+
 TEST(BigRadixDigits, EveryByteIsWrittenAndReadInBinary) {
     for (WORD number = 0; number < 256; ++number) {
         WORD const characters = eight_bit_characters(number);
@@ -166,6 +242,22 @@ TEST(BigRadixDigits, EveryFourDecimalDigitsAreWrittenInEitherHalfOfEight) {
     }
 }
 
+TEST(BigRadixDigits, EveryFourDecimalDigitsAreWrittenAndReadInEachQuarterOfSixteen) {
+    for (WORD number = 0; number < 10000; ++number)
+        for (int quarter = 0; quarter < 4; ++quarter) {
+            WORD const placed = number * POWER_OF_TEN[static_cast<std::size_t>(4 * quarter)];
+            for (WORD const whole : {placed, POWER_OF_TEN[16] - 1 - placed}) {
+                std::string const expected = std::to_string(POWER_OF_TEN[16] + whole).substr(1);
+                std::string text(16, '?');
+                write_16_decimal_digits(whole, text.data());
+                ASSERT_EQ(text, expected);
+                WORD read = 0;
+                ASSERT_TRUE(read_16_decimal_digits(text.data(), read));
+                ASSERT_EQ(read, whole);
+            }
+        }
+}
+
 TEST(BigRadixDigits, DecimalNumbersAreWrittenAndReadAtEveryLength) {
     std::mt19937_64 random(604);
     for (std::size_t n = 1; n <= 20; ++n)
@@ -184,6 +276,21 @@ TEST(BigRadixDigits, DecimalNumbersAreWrittenAndReadAtEveryLength) {
             ASSERT_TRUE(read_decimal_digits(expected.data(), n, read));
             ASSERT_EQ(read, number);
         }
+}
+
+TEST(BigRadixDigits, DecimalNumbersAreWrittenInFrontOfAPlace) {
+    std::mt19937_64 random(606);
+    char text[LONGEST_DECIMAL];
+    char* const end = text + sizeof text;
+    auto const expect_written = [&](WORD number) {
+        ASSERT_EQ(std::string(write_decimal_before(number, end), end), std::to_string(number));
+    };
+    for (WORD const power : POWER_OF_TEN)
+        for (WORD const number : {power - 1, power, power + 1})
+            expect_written(number);
+    expect_written(~WORD{0});
+    for (int i = 0; i < MANY; ++i)
+        expect_written(random() >> random() % 64);
 }
 
 TEST(BigRadixDigits, OneCharacterThatIsNoDecimalDigitIsNoticed) {

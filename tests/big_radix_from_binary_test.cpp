@@ -92,6 +92,33 @@ TEST(BigRadixFromBinary, RandomDigitsAreGroupedByTheRules) {
     }
 }
 
+TEST(BigRadixFromBinary, NumbersAndLogicValuesTakeTurnsInAnyOrder) {
+    std::mt19937_64 random(533);
+    std::string const digits = "01XZxz-H";
+    for (int i = 0; i < MANY / 4; ++i) {
+        std::string binary;
+        std::size_t const kinds = 2 + random() % (digits.size() - 1); // the first two are numbers
+        for (std::size_t length = 1 + random() % 200; binary.size() < length;)
+            binary.append(random() % 2 == 0 ? 1 : 4, digits[random() % kinds]);
+        bool const is_legal = i % 8 != 0;
+        if (!is_legal)
+            binary[random() % binary.size()] = static_cast<char>(random() % 2 == 0 ? '2' : 0xB1);
+        for (int const bits : {1, 3, 4}) {
+            SCOPED_TRACE(binary + " by " + std::to_string(bits));
+            std::string const text =
+                radix_oracle::groups_of(binary, static_cast<std::size_t>(bits));
+            std::string result;
+            ASSERT_TRUE(big_binary_to_number(&binary, &result, bits));
+            ASSERT_EQ(result, text);
+            BIG_RADIX const to = bits == 1 ? BIG_BIN : bits == 3 ? BIG_OCT : BIG_HEX;
+            auto const width = static_cast<unsigned int>(binary.size());
+            ASSERT_EQ(big_radix_conversion(binary, &result, BIG_BIN, to, width),
+                      is_legal ? 0u : 1u);
+            ASSERT_EQ(result, !is_legal ? "X" : text);
+        }
+    }
+}
+
 // --- Decimal -------------------------------------------------------------------------------------
 
 struct DECIMAL_CASE {
