@@ -34,11 +34,10 @@ struct ARRAY_HEAD {
     std::uint64_t checksum = 0;
 };
 
-/// The names from `from` (or behind it, when `behind` is set) to `to`, which is not among them;
-/// without an end when `to` is empty. Names are compared by their bytes.
+/// The names from `from`, which is among them, to `to`, which is not; without an end when `to` is
+/// empty. Names are compared by their bytes.
 struct NAME_RANGE {
     std::string from;
-    bool behind = false;
     std::string to;
 };
 
@@ -139,7 +138,7 @@ public:
     /// Removes all chunks of an array.
     virtual void erase_chunks(std::uint64_t array) = 0;
 
-    /// Every chunk that belongs to no array, as `array first` pairs for a message; for check().
+    /// The number of chunks that belong to no array; for check().
     virtual std::uint64_t count_stray_chunks() = 0;
 };
 

@@ -68,20 +68,25 @@ bool is_identifier_character(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
 }
 
-/// A name as an identifier, without regard to whether it is taken.
+bool are_same_in_any_case(std::string_view one, std::string_view other) {
+    auto const lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                      [&](char a, char b) { return lower(a) == lower(b); });
+}
+
+/// A name as an identifier, without regard to whether it is taken. What begins with "sqlite_" is
+/// SQLite's own.
 std::string identifier(std::string_view name) {
     std::string text(name.substr(0, LONGEST_STEM));
+    if (are_same_in_any_case(text.substr(0, 7), "sqlite_"))
+        text.insert(0, "_");
     for (char& c : text)
         if (!is_identifier_character(c))
             c = '_';
     return text.empty() ? "_" : text;
 }
 
-bool are_same_in_any_case(std::string_view one, std::string_view other) {
-    auto const lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                      [&](char a, char b) { return lower(a) == lower(b); });
-}
+constexpr std::string_view READABLE_SUFFIX = "_real";
 
 std::string hexadecimal(std::uint64_t number, int digits) {
     std::string text;
@@ -91,6 +96,10 @@ std::string hexadecimal(std::uint64_t number, int digits) {
 }
 
 } // namespace
+
+std::string readable_column(STORED_MEMBER const& member) {
+    return member.column + std::string(READABLE_SUFFIX);
+}
 
 void name_table(STORED_CLASS& stored) {
     stored.table = identifier(stored.name) + '_' + hexadecimal(stored.id, 8);
@@ -104,9 +113,10 @@ void name_table(STORED_CLASS& stored) {
     for (STORED_MEMBER& member : stored.members) {
         std::string const stem = identifier(member.name);
         member.column = stem;
-        for (int number = 2; is_taken(member.column); ++number)
+        for (int number = 2; is_taken(member.column) || is_taken(readable_column(member)); ++number)
             member.column = stem + '_' + std::to_string(number);
         taken.push_back(member.column);
+        taken.push_back(readable_column(member));
     }
 }
 

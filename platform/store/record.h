@@ -48,6 +48,8 @@ struct STORED_CLASS {
 /// identifiers of letters, digits and underscores, different in any letter case, that are none of
 /// the tables' own columns.
 void name_table(STORED_CLASS& stored);
+/// The name of a column that is free for a readable form of a member that is a double.
+std::string readable_column(STORED_MEMBER const& member);
 
 /// What a registration record says of its class. Runs the serializer over an object in the default
 /// state.

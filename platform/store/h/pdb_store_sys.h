@@ -193,8 +193,8 @@ public:
     /// Throws HOLDS_OTHER when the name holds another class.
     template <typename T>
     void put_array(std::string_view name, T const* elements, std::size_t count) {
-        T const* element = elements;
-        put_elements(name, typeid(T), count, [&] { return element++; });
+        put_elements(name, typeid(T), count,
+                     [=](unsigned long long index) { return elements + index; });
     }
 
     /// Loads the array that a name holds. Returns false, and leaves the vector as it is, when the
@@ -328,7 +328,7 @@ private:
     void visit_objects(std::string_view prefix, std::type_info const& type, void* object,
                        std::function<void(std::string const& name)> const& visit);
     void put_elements(std::string_view name, std::type_info const& type, unsigned long long count,
-                      std::function<void const*()> const& next);
+                      std::function<void const*(unsigned long long index)> const& element);
     bool get_elements(std::string_view name, std::type_info const& type,
                       std::function<void(std::size_t count)> const& make_room,
                       std::function<void*(std::size_t index)> const& element);
