@@ -54,7 +54,8 @@ std::unique_ptr<ENGINE> open_engine(std::string const& address, std::string cons
         throw PDB_STORE_ERROR(PDB_STORE_ERROR::BAD_ADDRESS, shown_as, text);
     };
     if (address.empty() || address.find('\0') != std::string::npos)
-        refuse("the address is empty or holds a NUL byte");
+        throw PDB_STORE_ERROR(PDB_STORE_ERROR::BAD_ADDRESS, shown(address),
+                              "the address is empty or holds a NUL byte");
     std::string_view const scheme = scheme_of(address);
     if (scheme.empty())
         return open_sqlite(address, options, check);
