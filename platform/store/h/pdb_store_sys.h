@@ -128,7 +128,7 @@ struct PDB_STORE_SELECTION {
 class PDB_STORE {
 public:
     /// Bytes of the longest name.
-    static constexpr std::size_t LONGEST_NAME = 65535;
+    static constexpr std::size_t LONGEST_NAME = 2048;
 
     /// Opens a store, and makes it when there is none and the options say so.
     ///
