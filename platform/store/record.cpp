@@ -124,17 +124,16 @@ void name_table(STORED_CLASS& stored) {
 // Serializing
 // ------------------------------------------------------------------------------------------------
 
-namespace {
-
-using SEGMENT = PDB_SEGMENT_TEMPLATE<PDB_ANY_SEG_BASE>;
-
-/// The C++ name of a type.
 std::string readable_name(std::type_info const& type) {
     int status = 0;
     std::unique_ptr<char, void (*)(void*)> const name(
         abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), std::free);
     return status == 0 ? name.get() : type.name();
 }
+
+namespace {
+
+using SEGMENT = PDB_SEGMENT_TEMPLATE<PDB_ANY_SEG_BASE>;
 
 /// Learns the members.
 class LAYOUT_SEGMENT final : public SEGMENT {
@@ -412,6 +411,11 @@ std::uint64_t highest_byte_first(std::uint64_t number) {
 }
 
 } // namespace
+
+std::uint64_t elements_in_chunk(STORED_CLASS const& stored) {
+    constexpr std::size_t CHUNK_SIZE = 32768;
+    return std::max<std::uint64_t>(1, CHUNK_SIZE / std::max<std::size_t>(1, stored.packed_size()));
+}
 
 void pack(STORED_CLASS const& stored, CELL const* cells, std::string& bytes) {
     for (STORED_MEMBER const& member : stored.members) {

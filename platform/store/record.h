@@ -51,6 +51,9 @@ void name_table(STORED_CLASS& stored);
 /// The name of a column that is free for a readable form of a member that is a double.
 std::string readable_column(STORED_MEMBER const& member);
 
+/// The C++ name of a type.
+std::string readable_name(std::type_info const& type);
+
 /// What a registration record says of its class. Runs the serializer over an object in the default
 /// state.
 ///
@@ -84,6 +87,9 @@ bool save_object(PDB_THUNK_INFO const& record, STORED_CLASS const& stored, void 
 /// The inverse.
 bool load_object(PDB_THUNK_INFO const& record, STORED_CLASS const& stored, CELL const* cells,
                  void* object);
+
+/// The elements that a chunk of an array holds, unless it is the last one.
+std::uint64_t elements_in_chunk(STORED_CLASS const& stored);
 
 /// Appends the members of one object, each in its bytes, the highest byte first.
 void pack(STORED_CLASS const& stored, CELL const* cells, std::string& bytes);

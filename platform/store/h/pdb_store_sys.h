@@ -22,6 +22,7 @@
 #include <vector>
 
 class MEM_UTILS_CHUNK_ALLOC;
+class PDB_STORE_STATE;
 
 #pragma GCC visibility push(default)
 
@@ -338,8 +339,7 @@ private:
     bool visit_elements(std::string_view name, std::type_info const& type, void* element,
                         std::function<void(unsigned long long index)> const& visit);
 
-    class STATE;
-    std::unique_ptr<STATE> m_state;
+    std::unique_ptr<PDB_STORE_STATE> m_state;
 };
 
 #pragma GCC visibility pop
