@@ -227,7 +227,7 @@ void transfer(SQLITE_DATABASE& original, std::vector<STORED_CLASS> const& classe
 void make_copy(SQLITE_DATABASE& original, std::vector<STORED_CLASS> const& classes,
                std::unique_ptr<SQLITE_DATABASE> copy) {
     auto const engine = engine_over(std::move(copy));
-    engine->begin(true);
+    engine->begin(true, true);
     DESTINATION into(*engine, original, false);
     transfer(original, classes, into);
     engine->commit();
@@ -238,7 +238,7 @@ void compare_copy(SQLITE_DATABASE& original, std::vector<STORED_CLASS> const& cl
                   std::string const& copy_path, PDB_STORE_OPTIONS const& options) {
     auto const engine = engine_over(std::make_unique<SQLITE_DATABASE>(
         copy_path, original.shown_as(), SQLITE_OPEN_READONLY, options, true));
-    engine->begin(false);
+    engine->begin(false, false);
     engine->check([&](std::string const& problem) {
         original.fail(PDB_STORE_ERROR::DAMAGED,
                       "the copy in the present format is damaged: " + problem);

@@ -245,7 +245,7 @@ class SQLITE_ENGINE final : public ENGINE {
 public:
     explicit SQLITE_ENGINE(std::unique_ptr<SQLITE_DATABASE> database);
 
-    void begin(bool writes) override;
+    void begin(bool writes, bool alone) override;
     void commit() override;
     void rollback() noexcept override;
     std::vector<STORED_CLASS> classes() override;
@@ -490,7 +490,7 @@ SQLITE_ENGINE::SQLITE_ENGINE(std::unique_ptr<SQLITE_DATABASE> database)
 
 // --- Transactions ---
 
-void SQLITE_ENGINE::begin(bool writes) {
+void SQLITE_ENGINE::begin(bool writes, bool /*alone: who writes is*/) {
     (writes ? m_begin_to_write : m_begin).run();
     m_knows_classes = false;
     for (auto const& known : m_known) {
@@ -777,7 +777,7 @@ std::unique_ptr<ENGINE> open_sqlite(std::string const& path, PDB_STORE_OPTIONS c
         }
 
         auto engine = engine_over(std::move(database));
-        engine->begin(false);
+        engine->begin(false, false);
         check(engine->classes());
         engine->commit();
         return engine;

@@ -132,13 +132,13 @@ void PDB_STORE_STATE::note(PDB_STORE_ERROR const& error, EFFECT effect) {
 // Transactions
 // ------------------------------------------------------------------------------------------------
 
-void PDB_STORE_STATE::begin(bool writes) {
+void PDB_STORE_STATE::begin(bool writes, bool alone) {
     require_usable(writes);
     if (m_transaction != NONE)
         fail(PDB_STORE_ERROR::MISUSE, "a transaction is open already");
     m_transaction = writes ? WRITING : READING;
     try {
-        m_engine->begin(writes);
+        m_engine->begin(writes, alone);
     } catch (PDB_STORE_ERROR const& error) {
         note_failure(error);
         abandon();
@@ -808,7 +808,7 @@ bool PDB_STORE::rename(std::string_view from, std::string_view to) {
 // ------------------------------------------------------------------------------------------------
 
 void PDB_STORE::begin(bool writes) {
-    m_state->begin(writes);
+    m_state->begin(writes, false);
 }
 
 void PDB_STORE::commit() {

@@ -48,6 +48,8 @@ public:
     // --- Transactions ---
 
     static constexpr int MOST_ATTEMPTS = 10;
+    /// After so many attempts, nobody else writes during the next.
+    static constexpr int LOSES_BEFORE_ALONE = 2;
 
     /// How an operation stands to a transaction that is open around it.
     enum EFFECT {
@@ -80,7 +82,7 @@ public:
     template <typename WORK>
     void run_alone(bool writes, int most_attempts, WORK const& work) {
         for (int attempt = 1;; ++attempt) {
-            begin(writes);
+            begin(writes, most_attempts == 1 || attempt > LOSES_BEFORE_ALONE);
             try {
                 work();
                 commit();
@@ -97,7 +99,7 @@ public:
         }
     }
 
-    void begin(bool writes);
+    void begin(bool writes, bool alone);
     void commit();
     void rollback();
     /// Rolls back what is open, if anything.

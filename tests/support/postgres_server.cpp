@@ -138,11 +138,11 @@ public:
         constexpr int MOST_ATTEMPTS = 5; // as another program may take the port first
         for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
             unsigned short const port = free_port();
-            m_server = start({programs + "/postgres", "-D", m_folder + "/data", "-p",
-                              std::to_string(port), "-h", "127.0.0.1", "-c",
-                              "unix_socket_directories=", "-c", "shared_buffers=16MB", "-c",
-                              "max_connections=40"},
-                             log);
+            m_server =
+                start({programs + "/postgres", "-D", m_folder + "/data", "-p", std::to_string(port),
+                       "-h", "127.0.0.1", "-c", "unix_socket_directories=", "-c",
+                       "shared_buffers=16MB", "-c", "max_connections=40"},
+                      log);
             if (answers(port))
                 return port;
         }
@@ -243,8 +243,8 @@ POSTGRES_SERVER::~POSTGRES_SERVER() {
 }
 
 std::string POSTGRES_SERVER::address(std::string const& schema, unsigned short port) const {
-    return std::string("postgresql://") + USER + ':' + PASSWORD + "@127.0.0.1:"
-           + std::to_string(port != 0 ? port : m_port) + "/postgres"
+    return std::string("postgresql://") + USER + ':' + PASSWORD
+           + "@127.0.0.1:" + std::to_string(port != 0 ? port : m_port) + "/postgres"
            + (schema.empty() ? "" : "?options=-csearch_path%3D" + schema);
 }
 
@@ -255,8 +255,8 @@ std::string POSTGRES_SERVER::new_schema() {
 }
 
 std::string POSTGRES_SERVER::ask(std::string const& statements) const {
-    std::unique_ptr<PGconn, void (*)(PGconn*)> const connection(
-        ::PQconnectdb(address().c_str()), ::PQfinish);
+    std::unique_ptr<PGconn, void (*)(PGconn*)> const connection(::PQconnectdb(address().c_str()),
+                                                                ::PQfinish);
     std::unique_ptr<PGresult, void (*)(PGresult*)> const result(
         ::PQexec(connection.get(), statements.c_str()), ::PQclear);
     ExecStatusType const status = ::PQresultStatus(result.get());
