@@ -22,29 +22,27 @@ namespace {
 // Reading format 1
 // ------------------------------------------------------------------------------------------------
 
-enum FORMAT1_RECORD : std::uint32_t { FORMAT1_ARRAY = 5, FORMAT1_ELEMENT = 6 };
+enum FORMAT1_RECORD : std::uint64_t { FORMAT1_ARRAY = 5, FORMAT1_ELEMENT = 6 };
 
 std::uint64_t format1_array_checksum(STORED_CLASS const& stored, std::string_view name,
                                      std::uint64_t count) {
     return CHECKSUM()
-        .add32(stored.id)
-        .add32(FORMAT1_ARRAY)
-        .add64(name.size())
+        .add(std::uint64_t{stored.id} << 32 | FORMAT1_ARRAY)
+        .add(name.size())
         .add(name)
-        .add64(count)
+        .add(count)
         .value();
 }
 
 std::uint64_t format1_element_checksum(STORED_CLASS const& stored, std::string_view name,
                                        std::uint64_t index, CELL const* cells) {
     CHECKSUM checksum = CHECKSUM()
-                            .add32(stored.id)
-                            .add32(FORMAT1_ELEMENT)
-                            .add64(name.size())
+                            .add(std::uint64_t{stored.id} << 32 | FORMAT1_ELEMENT)
+                            .add(name.size())
                             .add(name)
-                            .add64(index);
+                            .add(index);
     for (std::size_t i = 0; i < stored.members.size(); ++i)
-        checksum.add64(cells[i]);
+        checksum.add(cells[i]);
     return checksum.value();
 }
 

@@ -49,8 +49,9 @@ unsigned page_number(int amount, sqlite3_int64 offset) {
 std::uint64_t page_checksum(char const* page, int amount, sqlite3_int64 offset) {
     std::uint64_t const checksum =
         CHECKSUM()
-            .add32(page_number(amount, offset))
-            .add({page, static_cast<std::size_t>(amount - CHECKED_PAGES::RESERVED_BYTES)})
+            .add(std::uint64_t{page_number(amount, offset)})
+            .add(std::string_view(page,
+                                  static_cast<std::size_t>(amount - CHECKED_PAGES::RESERVED_BYTES)))
             .value();
     return __builtin_bswap64(checksum);
 }

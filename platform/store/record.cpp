@@ -468,50 +468,48 @@ constexpr CRC_TABLES TABLES = make_tables();
 
 } // namespace
 
-// Eight bytes at a time, one table for each place in the group (Kounavis and Berry, "A Systematic
-// Approach to Building High Performance Software-Based CRC Generators", 2005).
+// Takes eight bytes at once, the first of them lowest, with one table for each place among them
+// (Kounavis and Berry, "A Systematic Approach to Building High Performance Software-Based CRC
+// Generators", 2005).
+inline void CHECKSUM::add_group(std::uint64_t group) {
+    group ^= m_state;
+    m_state = 0;
+    for (std::size_t k = 0; k < 8; ++k)
+        m_state ^= TABLES[7 - k][(group >> (8 * k)) & 255];
+}
+
 CHECKSUM& CHECKSUM::add(std::string_view bytes) {
-    std::uint64_t state = m_state;
     while (bytes.size() >= 8) {
         std::uint64_t group;
         std::memcpy(&group, bytes.data(), 8);
-        group ^= state;
-        state = 0;
-        for (std::size_t k = 0; k < 8; ++k)
-            state ^= TABLES[7 - k][(group >> (8 * k)) & 255];
+        add_group(group);
         bytes.remove_prefix(8);
     }
     for (char const c : bytes)
-        state = (state >> 8) ^ TABLES[0][(state ^ static_cast<unsigned char>(c)) & 255];
-    m_state = state;
+        m_state = (m_state >> 8) ^ TABLES[0][(m_state ^ static_cast<unsigned char>(c)) & 255];
     return *this;
 }
 
-CHECKSUM& CHECKSUM::add32(std::uint32_t number) {
-    std::uint32_t const swapped = __builtin_bswap32(number);
-    return add({reinterpret_cast<char const*>(&swapped), sizeof swapped});
-}
-
-CHECKSUM& CHECKSUM::add64(std::uint64_t number) {
-    std::uint64_t const swapped = highest_byte_first(number);
-    return add({reinterpret_cast<char const*>(&swapped), sizeof swapped});
+CHECKSUM& CHECKSUM::add(std::uint64_t number) {
+    add_group(highest_byte_first(number));
+    return *this;
 }
 
 namespace {
 
 /// What kind of record a checksum is of.
-enum RECORD_KIND : std::uint32_t { VALUE_RECORD = 1, ARRAY_RECORD, CHUNK_RECORD, CLASS_RECORD };
+enum RECORD_KIND : std::uint64_t { VALUE_RECORD = 1, ARRAY_RECORD, CHUNK_RECORD, CLASS_RECORD };
 
 CHECKSUM start(STORED_CLASS const& stored, RECORD_KIND kind) {
-    return CHECKSUM().add32(stored.id).add32(kind);
+    return CHECKSUM().add(std::uint64_t{stored.id} << 32 | kind);
 }
 
 } // namespace
 
 std::uint64_t class_checksum(STORED_CLASS const& stored) {
     return start(stored, CLASS_RECORD)
-        .add64(stored.size)
-        .add64(stored.name.size())
+        .add(stored.size)
+        .add(stored.name.size())
         .add(stored.name)
         .add(members_text(stored))
         .value();
@@ -519,18 +517,18 @@ std::uint64_t class_checksum(STORED_CLASS const& stored) {
 
 std::uint64_t value_checksum(STORED_CLASS const& stored, std::string_view name, CELL const* cells) {
     CHECKSUM checksum = start(stored, VALUE_RECORD);
-    checksum.add64(name.size()).add(name);
+    checksum.add(name.size()).add(name);
     for (std::size_t i = 0; i < stored.members.size(); ++i)
-        checksum.add64(cells[i]);
+        checksum.add(cells[i]);
     return checksum.value();
 }
 
 std::uint64_t array_checksum(STORED_CLASS const& stored, std::string_view name, std::uint64_t id,
                              std::uint64_t count) {
-    return start(stored, ARRAY_RECORD).add64(name.size()).add(name).add64(id).add64(count).value();
+    return start(stored, ARRAY_RECORD).add(name.size()).add(name).add(id).add(count).value();
 }
 
 std::uint64_t chunk_checksum(STORED_CLASS const& stored, std::uint64_t array, std::uint64_t first,
                              std::string_view elements) {
-    return start(stored, CHUNK_RECORD).add64(array).add64(first).add(elements).value();
+    return start(stored, CHUNK_RECORD).add(array).add(first).add(elements).value();
 }

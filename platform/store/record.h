@@ -101,12 +101,13 @@ void unpack(STORED_CLASS const& stored, char const* bytes, CELL* cells);
 class CHECKSUM {
 public:
     CHECKSUM& add(std::string_view bytes);
-    /// Adds a number in its bytes, the highest byte first.
-    CHECKSUM& add32(std::uint32_t number);
-    CHECKSUM& add64(std::uint64_t number);
+    /// Adds a number in its eight bytes, the highest byte first.
+    CHECKSUM& add(std::uint64_t number);
     std::uint64_t value() const { return ~m_state; }
 
 private:
+    void add_group(std::uint64_t group);
+
     std::uint64_t m_state = ~std::uint64_t{0};
 };
 

@@ -173,31 +173,34 @@ bool STATEMENT::next() {
     return false;
 }
 
-void STATEMENT::require_type(int column, int type) {
-    if (sqlite3_column_type(m_statement, column) != type) {
-        std::string const name = sqlite3_column_name(m_statement, column);
-        reset();
-        m_database.fail(PDB_STORE_ERROR::DAMAGED,
-                        "column \"" + name + "\" holds something of another type");
-    }
+void STATEMENT::fail_type(int column) {
+    std::string const name = sqlite3_column_name(m_statement, column);
+    reset();
+    m_database.fail(PDB_STORE_ERROR::DAMAGED,
+                    "column \"" + name + "\" holds something of another type");
+}
+
+// A value may be looked at more than once, as its database belongs to one thread at a time.
+sqlite3_value* STATEMENT::value(int column, int type) {
+    sqlite3_value* const value = sqlite3_column_value(m_statement, column);
+    if (sqlite3_value_type(value) != type)
+        fail_type(column);
+    return value;
 }
 
 std::uint64_t STATEMENT::number(int column) {
-    require_type(column, SQLITE_INTEGER);
-    return static_cast<std::uint64_t>(sqlite3_column_int64(m_statement, column));
+    return static_cast<std::uint64_t>(sqlite3_value_int64(value(column, SQLITE_INTEGER)));
 }
 
 std::string_view STATEMENT::bytes(int column) {
-    require_type(column, SQLITE_BLOB);
-    auto const* const address =
-        static_cast<char const*>(sqlite3_column_blob(m_statement, column)); // null when empty
-    return {address != nullptr ? address : "",
-            static_cast<std::size_t>(sqlite3_column_bytes(m_statement, column))};
+    sqlite3_value* const blob = value(column, SQLITE_BLOB);
+    auto const* const address = static_cast<char const*>(sqlite3_value_blob(blob));
+    return {address != nullptr ? address : "", // of no bytes
+            static_cast<std::size_t>(sqlite3_value_bytes(blob))};
 }
 
 std::string_view STATEMENT::text(int column) {
-    require_type(column, SQLITE_TEXT);
-    auto const* const address =
-        reinterpret_cast<char const*>(sqlite3_column_text(m_statement, column));
-    return {address, static_cast<std::size_t>(sqlite3_column_bytes(m_statement, column))};
+    sqlite3_value* const characters = value(column, SQLITE_TEXT);
+    auto const* const address = reinterpret_cast<char const*>(sqlite3_value_text(characters));
+    return {address, static_cast<std::size_t>(sqlite3_value_bytes(characters))};
 }

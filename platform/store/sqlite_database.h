@@ -108,7 +108,8 @@ private:
         return m_statement;
     }
     void prepare();
-    void require_type(int column, int type);
+    sqlite3_value* value(int column, int type);
+    [[noreturn]] void fail_type(int column);
 
     SQLITE_DATABASE& m_database;
     std::string m_text;
