@@ -171,11 +171,13 @@ namespace {
 /// Refuses what is no address before libpq tells what is wrong with it: pieces of a password could
 /// be among that.
 void refuse_malformed(std::string const& address, std::string const& shown_as) {
-    std::size_t const path = address.find_first_of("/?#", address.find("://") + 3);
-    if (address.find('@', path) != std::string::npos && path != std::string::npos)
-        throw PDB_STORE_ERROR(PDB_STORE_ERROR::BAD_ADDRESS, shown_as,
-                              "an @ stands behind the host: in a name or a password / ? # and @ "
-                              "are written as %2F %3F %23 and %40");
+    std::size_t const path = address.find_first_of("/?", address.find("://") + 3);
+    std::size_t const at = address.rfind('@');
+    if (at != std::string::npos && (at > path || address.find('@') != at))
+        throw PDB_STORE_ERROR(
+            PDB_STORE_ERROR::BAD_ADDRESS, shown_as,
+            "only the @ in front of the host stands for itself: in a password and "
+            "elsewhere / ? and @ are written as %2F %3F and %40");
     std::unique_ptr<PQconninfoOption, void (*)(PQconninfoOption*)> const options(
         PQconninfoParse(address.c_str(), nullptr), PQconninfoFree);
     if (options == nullptr)

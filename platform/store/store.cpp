@@ -33,10 +33,9 @@ std::string without_password(std::string const& address) {
     if (scheme.empty())
         return text;
     std::size_t const begin = scheme.size() + 3;
-    std::size_t const at = text.find('@', begin);
-    std::size_t const path = text.find_first_of("/?", begin);
+    std::size_t const at = text.rfind('@'); // a password may hold others
     std::size_t const colon = text.find(':', begin);
-    if (at < path && colon < at)
+    if (at != std::string::npos && colon < at)
         text.erase(colon, at - colon);
     constexpr std::string_view PARAMETER = "password=";
     std::size_t parameter = text.find('?');

@@ -110,7 +110,7 @@ public:
     GUARD() : m_folder((std::filesystem::temp_directory_path() / "big_postgres_XXXXXX").string()) {}
     ~GUARD() {
         if (m_server > 0) {
-            ::kill(m_server, SIGINT); // without waiting for sessions
+            ::kill(m_server, SIGQUIT); // at once, as nothing of it is kept
             ::waitpid(m_server, nullptr, 0);
         }
         std::error_code ignored;
