@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -119,6 +120,18 @@ TEST_F(PdbStorePostgres, AnyClientReadsValuesInAViewOfTheClass) {
               "(delays,0,-1,2) (delays,1,1099511627776,2)");
     EXPECT_EQ(ask("SELECT encode(m_value, 'hex') FROM \"BIG_FREQUENCY_4d709ad8\""),
               "41cdcd6500000000");
+}
+
+TEST_F(PdbStorePostgres, TheLongestNamesFitAnIndexThatCannotPackThem) {
+    std::mt19937 random(5);
+    std::string name;
+    while (name.size() < PDB_STORE::LONGEST_NAME)
+        name += static_cast<char>(random());
+    PDB_STORE store(address());
+    store.put(name, picoseconds(1));
+    BIG_TIME const element;
+    store.put_array(name.substr(1) + 'a', &element, 1);
+    EXPECT_EQ(counter(name), 1);
 }
 
 // ------------------------------------------------------------------------------------------------

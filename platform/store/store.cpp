@@ -132,9 +132,9 @@ void PDB_STORE_STATE::note(PDB_STORE_ERROR const& error, EFFECT effect) {
 // ------------------------------------------------------------------------------------------------
 
 void PDB_STORE_STATE::begin(bool writes, bool alone) {
-    require_usable(writes);
     if (m_transaction != NONE)
         fail(PDB_STORE_ERROR::MISUSE, "a transaction is open already");
+    require_usable(writes);
     m_transaction = writes ? WRITING : READING;
     try {
         m_engine->begin(writes, alone);
