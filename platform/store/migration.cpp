@@ -225,7 +225,7 @@ void transfer(SQLITE_DATABASE& original, std::vector<STORED_CLASS> const& classe
 void make_copy(SQLITE_DATABASE& original, std::vector<STORED_CLASS> const& classes,
                std::unique_ptr<SQLITE_DATABASE> copy) {
     auto const engine = engine_over(std::move(copy));
-    engine->begin(true);
+    engine->begin(true, true);
     DESTINATION into(*engine, original, false);
     transfer(original, classes, into);
     engine->commit();
@@ -238,7 +238,7 @@ void compare_copy(SQLITE_DATABASE& original, std::vector<STORED_CLASS> const& cl
                                                   SQLITE_OPEN_READONLY, options, true);
     copy->set_up();
     auto const engine = engine_over(std::move(copy));
-    engine->begin(false);
+    engine->begin(false, false);
     engine->check([&](std::string const& problem) {
         original.fail(PDB_STORE_ERROR::DAMAGED,
                       "the copy in the present format is damaged: " + problem);

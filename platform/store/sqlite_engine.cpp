@@ -245,7 +245,7 @@ class SQLITE_ENGINE final : public ENGINE {
 public:
     explicit SQLITE_ENGINE(std::unique_ptr<SQLITE_DATABASE> database);
 
-    void begin(bool writes) override;
+    void begin(bool writes, bool alone) override;
     void commit() override;
     void rollback() noexcept override;
     std::vector<STORED_CLASS> classes() override;
@@ -491,7 +491,7 @@ SQLITE_ENGINE::SQLITE_ENGINE(std::unique_ptr<SQLITE_DATABASE> database)
 
 // --- Transactions ---
 
-void SQLITE_ENGINE::begin(bool writes) {
+void SQLITE_ENGINE::begin(bool writes, bool /*alone: who writes is*/) {
     (writes ? m_begin_to_write : m_begin).run();
     m_writes = writes;
     m_knows_classes = false;
@@ -610,6 +610,18 @@ void SQLITE_ENGINE::check(std::function<void(std::string const&)> const& problem
         if (text != "ok")
             problem(text);
     }
+
+    std::string names;
+    for (STORED_CLASS const& stored : classes())
+        for (std::string const& table : {stored.table, stored.table + "_array"})
+            names +=
+                (names.empty() ? "" : " UNION ALL ") + ("SELECT name FROM " + in_quotes(table));
+    if (names.empty())
+        return;
+    STATEMENT doubled(*m_database,
+                      "SELECT name FROM (" + names + ") GROUP BY name HAVING count(*) > 1");
+    while (doubled.next())
+        problem("the name " + shown(doubled.bytes(0)) + " holds two things");
 }
 
 } // namespace
@@ -785,7 +797,7 @@ std::unique_ptr<ENGINE> open_sqlite(std::string const& path, PDB_STORE_OPTIONS c
 
         database->set_up();
         auto engine = engine_over(std::move(database));
-        engine->begin(false);
+        engine->begin(false, false);
         check(engine->classes());
         engine->commit();
         return engine;
