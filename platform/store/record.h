@@ -29,8 +29,6 @@ struct STORED_MEMBER {
                       ///< object within the object
     MEMBER_TYPE type;
     std::string column; ///< the member's column in the class's table
-
-    bool operator==(STORED_MEMBER const&) const = default;
 };
 
 struct STORED_CLASS {
