@@ -133,6 +133,25 @@ TEST(BigqStore, CheckTellsWhatIsDamaged) {
         << testing::PrintToString(run);
 }
 
+TEST(BigqStore, LongWorkShowsItsProgressOnATerminal) {
+    if (run_shell("command -v script").status != 0)
+        GTEST_SKIP() << "there is no script, which gives a command a terminal";
+    TEMPORARY_FOLDER const folder;
+    std::string dump = "big-store dump 1\n"
+                       "class 0x4d709ad8 8 \"BIG_FREQUENCY\" \"m_value\" double\n";
+    for (int i = 0; i < 1500; ++i)
+        dump += "value \"" + std::to_string(i) + "\" 0x3ff0000000000000\n";
+    std::ofstream(folder.path("d")) << dump << "end 1500\n";
+    RUN const load =
+        run_shell("script -qec 'bigq store s load <d' /dev/null </dev/null", "", folder.path());
+    EXPECT_EQ(load.out.substr(0, 13), "\r1 lines read") << testing::PrintToString(load);
+    EXPECT_EQ(load.out.substr(load.out.size() - 3), "  \r") << "the line is not removed";
+    RUN const check =
+        run_shell("script -qec 'bigq store s check' /dev/null </dev/null", "", folder.path());
+    std::string const line = "1000 records checked";
+    EXPECT_EQ(check.out, '\r' + line + '\r' + std::string(line.size(), ' ') + "\rok\r\n");
+}
+
 TEST(BigqStore, ExamplesAreTrue) {
     TEMPORARY_FOLDER const page_folder;
     expect_true_examples(examples_of_page("docs/store.md"), 14, page_folder.path());

@@ -241,7 +241,10 @@ void put_fractions(STORE_RUN const& run, std::string const& name, TEXTS const& t
 /// A line on a terminal that says how far long work is, at most five times in a second.
 class PROGRESS {
 public:
-    explicit PROGRESS(char const* what) : m_what(what), m_is_shown(isatty(STDERR_FILENO) == 1) {}
+    /// @param writes whether the work writes to standard output, which may be the same terminal
+    PROGRESS(char const* what, bool writes)
+        : m_what(what),
+          m_is_shown(isatty(STDERR_FILENO) == 1 && !(writes && isatty(STDOUT_FILENO) == 1)) {}
     ~PROGRESS() {
         if (m_length > 0) {
             write('\r' + std::string(m_length, ' ') + '\r');
@@ -379,19 +382,20 @@ EXIT_STATUS run_erase(STORE_RUN const& run) {
 }
 
 EXIT_STATUS run_check(STORE_RUN const& run) {
-    PROGRESS progress("records checked");
-    bool const is_good =
-        run.store.check([&](std::string const& problem) { run.output.add(problem + '\n'); },
-                        [&](unsigned long long count) { progress.tell(count); });
-    if (is_good) {
-        run.output.add("ok\n");
+    bool is_good = true;
+    std::string problems;
+    {
+        PROGRESS progress("records checked", false); // which is gone when the answer is written
+        is_good = run.store.check([&](std::string const& problem) { problems += problem + '\n'; },
+                                  [&](unsigned long long count) { progress.tell(count); });
     }
+    run.output.add(is_good ? "ok\n" : problems);
     run.output.flush();
     return is_good ? STATUS_OK : STATUS_FAILED;
 }
 
 EXIT_STATUS run_dump(STORE_RUN const& run) {
-    PROGRESS progress("lines written");
+    PROGRESS progress("lines written", true);
     unsigned long long lines = 0;
     run.store.dump([&](std::string_view line) {
         run.output.add(line);
@@ -402,7 +406,7 @@ EXIT_STATUS run_dump(STORE_RUN const& run) {
 }
 
 EXIT_STATUS run_load(STORE_RUN const& run) {
-    PROGRESS progress("lines read");
+    PROGRESS progress("lines read", false);
     LINE_READER reader(run.output);
     LINE line;
     run.store.load([&](std::string& text) {
