@@ -9,6 +9,9 @@
 #include "gcd_command.h"
 #include "output.h"
 #include "radix_command.h"
+#ifdef BIGQ_HAS_STORE
+#include "store_command.h"
+#endif
 #include "text.h"
 #include "time_command.h"
 #include "u128_command.h"
@@ -37,6 +40,9 @@ constexpr COMMAND COMMANDS[] = {
     {"freq",     "convert clock periods into frequencies and back",      run_freq,     STATUS_FAILED},
     {"gcd",      "find the greatest common divisor of whole numbers",    run_gcd,      STATUS_FAILED},
     {"radix",    "convert bit vectors between radixes",                  run_radix,    STATUS_FAILED},
+#ifdef BIGQ_HAS_STORE
+    {"store",    "keep values in a database",                            run_store,    STATUS_FAILED},
+#endif
     {"time",     "convert times, frequencies and data rates",            run_time,     STATUS_FAILED},
     {"u128",     "compute with whole numbers of up to 128 bits",         run_u128,     STATUS_FAILED},
 };
