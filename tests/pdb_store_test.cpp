@@ -167,6 +167,11 @@ std::uint64_t const DOUBLES[] = {
 
 class PdbStore : public testing::TestWithParam<STORE_ENGINE> {
 protected:
+    void SetUp() override {
+        if (!m_place->why_not().empty())
+            GTEST_SKIP() << m_place->why_not();
+    }
+
     PDB_STORE open(PDB_STORE_OPTIONS::ACCESS access = PDB_STORE_OPTIONS::CREATE) const {
         PDB_STORE_OPTIONS options;
         options.access = access;
@@ -415,7 +420,7 @@ TEST_P(PdbStore, AnyBytesMakeAName) {
                          every_byte,
                          std::string(PDB_STORE::LONGEST_NAME, 'x'),
                          std::string(PDB_STORE::LONGEST_NAME - 1, 'x'),
-                         std::string(5000, '\0'),
+                         std::string(2000, '\0'),
                          "../../etc",
                          "-",
                          "0"};
@@ -454,7 +459,7 @@ TEST_P(PdbStore, EmptyAndEndlessNamesAreRefused) {
     BIG_TIME time;
     std::string const endless(PDB_STORE::LONGEST_NAME + 1, 'n');
     std::string const text =
-        "the name \"" + std::string(100, 'n') + "...\" has 65536 bytes: at most 65535 are kept";
+        "the name \"" + std::string(100, 'n') + "...\" has 2049 bytes: at most 2048 are kept";
     EXPECT_STORE_ERROR(store.put("", time), BAD_NAME, "a name is empty");
     EXPECT_STORE_ERROR(store.get("", time), BAD_NAME, "a name is empty");
     EXPECT_STORE_ERROR(store.put(endless, time), BAD_NAME, text);

@@ -147,7 +147,10 @@ public:
     virtual ~ENGINE() = default;
 
     /// Opens a transaction. None is open.
-    virtual void begin(bool writes) = 0;
+    ///
+    /// @param alone nobody else writes until it ends; for work that cannot be run again, or that
+    ///              lost against others several times
+    virtual void begin(bool writes, bool alone) = 0;
     /// Ends it. When it throws, the transaction is over and was not applied. An engine that loses
     /// its answer finds out, or throws SYSTEM with a text that says that it is not known.
     virtual void commit() = 0;
@@ -165,7 +168,8 @@ public:
     /// What a name holds; nothing when it is free.
     virtual std::optional<HOLDER> find(std::string_view name) = 0;
 
-    /// Checks what the engine keeps beside the records: pages, indexes. Tells each problem.
+    /// Checks what the engine keeps beside the records: pages, indexes, and that no name holds two
+    /// things. Tells each problem.
     virtual void check(std::function<void(std::string const&)> const& problem) = 0;
 };
 

@@ -33,10 +33,9 @@ std::string without_password(std::string const& address) {
     if (scheme.empty())
         return text;
     std::size_t const begin = scheme.size() + 3;
-    std::size_t const at = text.find('@', begin);
-    std::size_t const path = text.find_first_of("/?", begin);
+    std::size_t const at = text.rfind('@'); // a password may hold others
     std::size_t const colon = text.find(':', begin);
-    if (at < path && colon < at)
+    if (at != std::string::npos && colon < at)
         text.erase(colon, at - colon);
     constexpr std::string_view PARAMETER = "password=";
     std::size_t parameter = text.find('?');
@@ -54,7 +53,8 @@ std::unique_ptr<ENGINE> open_engine(std::string const& address, std::string cons
         throw PDB_STORE_ERROR(PDB_STORE_ERROR::BAD_ADDRESS, shown_as, text);
     };
     if (address.empty() || address.find('\0') != std::string::npos)
-        refuse("the address is empty or holds a NUL byte");
+        throw PDB_STORE_ERROR(PDB_STORE_ERROR::BAD_ADDRESS, shown(address),
+                              "the address is empty or holds a NUL byte");
     std::string_view const scheme = scheme_of(address);
     if (scheme.empty())
         return open_sqlite(address, options, check);
@@ -89,6 +89,11 @@ PDB_STORE_STATE::~PDB_STORE_STATE() {
 void PDB_STORE_STATE::fail(PDB_STORE_ERROR::KIND kind, std::string const& text,
                            std::string const& class_name, std::string const& member) const {
     throw PDB_STORE_ERROR(kind, m_address, text).about(class_name, member);
+}
+
+void PDB_STORE_STATE::require_no_transaction() const {
+    if (m_transaction != NONE)
+        fail(PDB_STORE_ERROR::MISUSE, "a transaction is open already");
 }
 
 void PDB_STORE_STATE::require_usable(bool writes) const {
@@ -132,13 +137,12 @@ void PDB_STORE_STATE::note(PDB_STORE_ERROR const& error, EFFECT effect) {
 // Transactions
 // ------------------------------------------------------------------------------------------------
 
-void PDB_STORE_STATE::begin(bool writes) {
-    if (m_transaction != NONE)
-        fail(PDB_STORE_ERROR::MISUSE, "a transaction is open already");
+void PDB_STORE_STATE::begin(bool writes, bool alone) {
+    require_no_transaction();
     require_usable(writes);
     m_transaction = writes ? WRITING : READING;
     try {
-        m_engine->begin(writes);
+        m_engine->begin(writes, alone);
     } catch (PDB_STORE_ERROR const& error) {
         note_failure(error);
         abandon();
@@ -808,7 +812,7 @@ bool PDB_STORE::rename(std::string_view from, std::string_view to) {
 // ------------------------------------------------------------------------------------------------
 
 void PDB_STORE::begin(bool writes) {
-    m_state->begin(writes);
+    m_state->begin(writes, false);
 }
 
 void PDB_STORE::commit() {
@@ -894,7 +898,6 @@ private:
             of.table->read_values(range, BATCH_SIZE, batch);
             for (std::size_t row = 0; row < batch.size(); ++row) {
                 attempt([&] { m_state.verify(of, batch, row); });
-                check_name(batch.name(row), {of.stored.id, false});
                 count_record();
                 go_behind(range, batch.name(row));
             }
@@ -908,7 +911,6 @@ private:
             of.table->read_arrays(range, BATCH_SIZE, arrays);
             for (CLASS_TABLE::NAMED_ARRAY const& array : arrays) {
                 attempt([&] { check_array(of, array); });
-                check_name(array.name, {of.stored.id, true});
                 go_behind(range, array.name);
             }
         } while (arrays.size() == BATCH_SIZE);
@@ -923,13 +925,6 @@ private:
             count_record();
         }
         count_record();
-    }
-
-    /// A name that is listed is also found, and holds one thing.
-    void check_name(std::string_view name, HOLDER const& listed) {
-        auto const found = m_state.engine().find(name);
-        if (!found || found->class_id != listed.class_id || found->is_array != listed.is_array)
-            tell("the name " + shown(name) + (found ? " holds two things" : " is not found"));
     }
 
     PDB_STORE_STATE& m_state;

@@ -48,6 +48,8 @@ public:
     // --- Transactions ---
 
     static constexpr int MOST_ATTEMPTS = 10;
+    /// After so many attempts, nobody else writes during the next.
+    static constexpr int LOSES_BEFORE_ALONE = 2;
 
     /// How an operation stands to a transaction that is open around it.
     enum EFFECT {
@@ -79,9 +81,10 @@ public:
     /// Runs work in a transaction of its own, and again when another came between.
     template <typename WORK>
     void run_alone(bool writes, int most_attempts, WORK const& work) {
+        require_no_transaction();
         for (int attempt = 1;; ++attempt) {
-            begin(writes);
             try {
+                begin(writes, most_attempts == 1 || attempt > LOSES_BEFORE_ALONE);
                 work();
                 commit();
                 return;
@@ -97,7 +100,7 @@ public:
         }
     }
 
-    void begin(bool writes);
+    void begin(bool writes, bool alone);
     void commit();
     void rollback();
     /// Rolls back what is open, if anything.
@@ -154,6 +157,7 @@ public:
 private:
     enum TRANSACTION { NONE, READING, WRITING };
 
+    void require_no_transaction() const;
     void require_usable(bool writes) const;
     void note(PDB_STORE_ERROR const& error, EFFECT effect);
     /// Remembers an error of a transaction that writes after which nobody knows what is on the

@@ -1,5 +1,9 @@
 #include "store_places.h"
 
+#ifdef BIG_TEST_HAS_POSTGRES
+#include "postgres_server.h"
+#endif
+
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
@@ -40,9 +44,31 @@ std::unique_ptr<STORE_PLACE> make_sqlite_place() {
     return std::make_unique<SQLITE_PLACE>();
 }
 
+#ifdef BIG_TEST_HAS_POSTGRES
+/// A schema. The server goes when the test program ends, and all schemas with it.
+class POSTGRES_PLACE : public STORE_PLACE {
+public:
+    std::string address() const override { return m_server.address(m_schema); }
+    std::string why_not() const override { return m_server.why_not(); }
+
+private:
+    POSTGRES_SERVER& m_server = POSTGRES_SERVER::get();
+    std::string const m_schema = m_server.why_not().empty() ? m_server.new_schema() : "";
+};
+
+std::unique_ptr<STORE_PLACE> make_postgres_place() {
+    return std::make_unique<POSTGRES_PLACE>();
+}
+#endif
+
 } // namespace
 
 std::vector<STORE_ENGINE> const& store_engines() {
-    static std::vector<STORE_ENGINE> const s_engines = {{"Sqlite", make_sqlite_place}};
+    static std::vector<STORE_ENGINE> const s_engines = {
+        {"Sqlite", make_sqlite_place},
+#ifdef BIG_TEST_HAS_POSTGRES
+        {"Postgres", make_postgres_place},
+#endif
+    };
     return s_engines;
 }

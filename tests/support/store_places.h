@@ -15,6 +15,8 @@ public:
     virtual ~STORE_PLACE() = default;
     /// What PDB_STORE is opened with.
     virtual std::string address() const = 0;
+    /// Why there is no such place here, so that a test of it is skipped; empty when there is one.
+    virtual std::string why_not() const { return ""; }
 };
 
 /// An engine that a store may have.

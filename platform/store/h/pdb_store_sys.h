@@ -128,8 +128,8 @@ struct PDB_STORE_SELECTION {
 /// A read checks what it returns. A value that was changed on the disk is DAMAGED, never returned.
 class PDB_STORE {
 public:
-    /// Bytes of the longest name.
-    static constexpr std::size_t LONGEST_NAME = 65535;
+    /// Bytes of the longest name: what a server's index takes.
+    static constexpr std::size_t LONGEST_NAME = 2048;
 
     /// Opens a store, and makes it when there is none and the options say so.
     ///
