@@ -238,6 +238,52 @@ TEST(PdbStorePowerLoss, SavedContentIsThereAndNoHalfTransactionIs) {
     EXPECT_GT(disks, record.size());
 }
 
+TEST(PdbStorePowerLoss, AChangedByteInWhatTakesTheLastSaveBackIsAnError) {
+    STORE_WITH_HISTORY const history;
+    FAULTY_FILES files;
+    history.restore(2);
+    files.record();
+    {
+        PDB_STORE store(history.path(), on_faulty_files());
+        saves()[2](store);
+    }
+    auto const record = files.recorded();
+    // The power fails just before the journal goes.
+    std::size_t steps = 0;
+    while (record[steps].call != FILE_CALL::REMOVE)
+        ++steps;
+    DISK const disk = disks_after_power_loss(history.disk(2), record, steps).front();
+    std::string const path = history.path() + "-journal";
+    ASSERT_EQ(disk.count(path), 1U);
+    constexpr unsigned SEED = 4242;
+    std::mt19937 random(SEED);
+    std::size_t const size = disk.at(path).size();
+    std::cout << size << " bytes, seed " << SEED << '\n';
+    std::size_t const stride = static_cast<std::size_t>(campaign_size(37, 1));
+    for (std::size_t at = 0; at < size; at += at < 600 ? 1 : stride) {
+        DISK changed = disk;
+        char& byte = changed.at(path)[at];
+        byte = static_cast<char>(byte ^ static_cast<char>(1 + random() % 255));
+        history.restore(changed);
+        try {
+            ASSERT_EQ(checked_dump_of(history.path()), history.dump(2)) << "byte " << at;
+        } catch (PDB_STORE_ERROR const& error) {
+            ASSERT_EQ(error.kind(), PDB_STORE_ERROR::DAMAGED) << "byte " << at;
+        }
+    }
+    // The same for a journal that was cut behind its header.
+    for (std::size_t left = 36; left < size; left += stride) {
+        DISK changed = disk;
+        changed.at(path).resize(left);
+        history.restore(changed);
+        try {
+            ASSERT_EQ(checked_dump_of(history.path()), history.dump(2)) << left << " bytes";
+        } catch (PDB_STORE_ERROR const& error) {
+            ASSERT_EQ(error.kind(), PDB_STORE_ERROR::DAMAGED) << left << " bytes";
+        }
+    }
+}
+
 // ------------------------------------------------------------------------------------------------
 // Files that are not what was written
 // ------------------------------------------------------------------------------------------------
