@@ -2,6 +2,7 @@
 
 #include "pages.h"
 
+#include "journal.h"
 #include "record.h"
 
 #include <atomic>
@@ -15,14 +16,16 @@ struct CHECKED_PAGES_VFS : sqlite3_vfs {
     sqlite3_vfs* base = nullptr;
     std::string name; ///< under which SQLite finds this VFS while it opens a database
     unsigned bad_page = 0;
+    bool has_bad_journal = false;
 };
 
 namespace {
 
-/// A main database file. The base's own file object stands behind it in memory.
+/// A main database file or its journal. The base's own file object stands behind it in memory.
 struct PAGED_FILE : sqlite3_file {
     unsigned* bad_page;
-    std::vector<char>* buffer; ///< of the page that is being written
+    std::vector<char>* buffer; ///< of the page that is being written; null in a journal
+    JOURNAL_SEAL* seal;        ///< null in a database
 };
 
 constexpr std::size_t FILE_SIZE = (sizeof(PAGED_FILE) + 15) / 16 * 16;
@@ -60,6 +63,7 @@ std::uint64_t page_checksum(char const* page, int amount, sqlite3_int64 offset) 
 
 int close_file(sqlite3_file* file) {
     delete paged(file).buffer;
+    delete paged(file).seal;
     return base_of(file)->pMethods->xClose(base_of(file));
 }
 
@@ -102,6 +106,18 @@ int write_file(sqlite3_file* file, void const* bytes, int amount, sqlite3_int64 
     return base->pMethods->xWrite(base, page.data(), amount, offset);
 }
 
+int read_journal(sqlite3_file* file, void* bytes, int amount, sqlite3_int64 offset) {
+    return base_of(file)->pMethods->xRead(base_of(file), bytes, amount, offset);
+}
+
+int write_journal(sqlite3_file* file, void const* bytes, int amount, sqlite3_int64 offset) {
+    try {
+        return paged(file).seal->write(base_of(file), bytes, amount, offset);
+    } catch (std::bad_alloc const&) {
+        return SQLITE_IOERR_NOMEM;
+    }
+}
+
 int truncate_file(sqlite3_file* file, sqlite3_int64 size) {
     return base_of(file)->pMethods->xTruncate(base_of(file), size);
 }
@@ -139,27 +155,31 @@ int device_characteristics(sqlite3_file* file) {
 }
 
 /// Version 1: no shared memory and no memory mapping, whose pages would pass by unchecked.
-sqlite3_io_methods const PAGED_FILE_METHODS = {
-    1,
-    close_file,
-    read_file,
-    write_file,
-    truncate_file,
-    sync_file,
-    file_size,
-    lock_file,
-    unlock_file,
-    check_reserved_lock,
-    control_file,
-    sector_size,
-    device_characteristics,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-};
+constexpr sqlite3_io_methods methods(decltype(sqlite3_io_methods::xRead) read,
+                                     decltype(sqlite3_io_methods::xWrite) write) {
+    return {1,
+            close_file,
+            read,
+            write,
+            truncate_file,
+            sync_file,
+            file_size,
+            lock_file,
+            unlock_file,
+            check_reserved_lock,
+            control_file,
+            sector_size,
+            device_characteristics,
+            nullptr,
+            nullptr,
+            nullptr,
+            nullptr,
+            nullptr,
+            nullptr};
+}
+
+constexpr sqlite3_io_methods DATABASE_METHODS = methods(read_file, write_file);
+constexpr sqlite3_io_methods JOURNAL_METHODS = methods(read_journal, write_journal);
 
 // --- The VFS ---
 
@@ -173,21 +193,31 @@ sqlite3_vfs* base_of(sqlite3_vfs* vfs) {
 
 int open_file(sqlite3_vfs* vfs, char const* name, sqlite3_file* file, int flags, int* out_flags) {
     sqlite3_vfs* const base = base_of(vfs);
-    if ((flags & SQLITE_OPEN_MAIN_DB) == 0)
+    bool const is_journal = (flags & SQLITE_OPEN_MAIN_JOURNAL) != 0;
+    if (!is_journal && (flags & SQLITE_OPEN_MAIN_DB) == 0)
         return base->xOpen(base, name, file, flags, out_flags);
     file->pMethods = nullptr;
     base_of(file)->pMethods = nullptr;
-    std::unique_ptr<std::vector<char>> buffer(new (std::nothrow) std::vector<char>);
-    if (!buffer)
+    try {
+        auto buffer = is_journal ? nullptr : std::make_unique<std::vector<char>>();
+        auto seal = is_journal ? std::make_unique<JOURNAL_SEAL>() : nullptr;
+        int const result = base->xOpen(base, name, base_of(file), flags, out_flags);
+        if (base_of(file)->pMethods != nullptr) { // so that SQLite closes it, opened or not
+            PAGED_FILE& opened = paged(file);
+            opened.pMethods = is_journal ? &JOURNAL_METHODS : &DATABASE_METHODS;
+            opened.bad_page = &checked(vfs).bad_page;
+            opened.buffer = buffer.release();
+            opened.seal = seal.release();
+        }
+        if (result != SQLITE_OK || !is_journal)
+            return result;
+        bool intact = false;
+        int const read = check_journal(base_of(file), intact);
+        checked(vfs).has_bad_journal = read == SQLITE_OK && !intact;
+        return read != SQLITE_OK || intact ? read : SQLITE_IOERR_DATA;
+    } catch (std::bad_alloc const&) {
         return SQLITE_NOMEM;
-    int const result = base->xOpen(base, name, base_of(file), flags, out_flags);
-    if (base_of(file)->pMethods != nullptr) { // so that SQLite closes it, opened or not
-        PAGED_FILE& opened = paged(file);
-        opened.pMethods = &PAGED_FILE_METHODS;
-        opened.bad_page = &checked(vfs).bad_page;
-        opened.buffer = buffer.release();
     }
-    return result;
 }
 
 int delete_file(sqlite3_vfs* vfs, char const* name, int sync_folder) {
@@ -254,4 +284,8 @@ int CHECKED_PAGES::open(char const* path, sqlite3** database, int flags) {
 
 unsigned CHECKED_PAGES::bad_page() const {
     return m_vfs->bad_page;
+}
+
+bool CHECKED_PAGES::has_bad_journal() const {
+    return m_vfs->has_bad_journal;
 }

@@ -10,6 +10,8 @@
 /// changes anywhere in a file is found by whoever reads its page: also where no record is, in the
 /// header, in the inner nodes of a tree, in the list of free pages. Readers that know nothing of it
 /// skip those bytes.
+///
+/// The same layer seals rollback journals (journal.h), and opens none that was changed.
 
 #include <memory>
 
@@ -17,7 +19,8 @@
 
 struct CHECKED_PAGES_VFS;
 
-/// A VFS that checks the pages of main database files and leaves everything else to another VFS.
+/// A VFS that checks main database files and their rollback journals, and leaves everything else to
+/// another VFS.
 class CHECKED_PAGES {
 public:
     /// Bytes at the end of each page.
@@ -35,6 +38,8 @@ public:
 
     /// The number of the last page that did not match its checksum; 0 when there was none.
     unsigned bad_page() const;
+    /// Whether the journal was found to be changed.
+    bool has_bad_journal() const;
 
 private:
     std::unique_ptr<CHECKED_PAGES_VFS> m_vfs;

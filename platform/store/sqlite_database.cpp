@@ -109,6 +109,10 @@ void SQLITE_DATABASE::fail(int result) {
     std::string reason = sqlite3_errstr(result);
     if (m_handle != nullptr && sqlite3_extended_errcode(m_handle) == result)
         reason = sqlite3_errmsg(m_handle);
+    if (result == SQLITE_IOERR_DATA && m_pages && m_pages->has_bad_journal())
+        fail(PDB_STORE_ERROR::DAMAGED,
+             "a program ended while it was writing, and the journal, from "
+             "which that would be taken back, does not match its checksum");
     if (result == SQLITE_IOERR_DATA && m_pages && m_pages->bad_page() != 0)
         fail(PDB_STORE_ERROR::DAMAGED,
              "page " + std::to_string(m_pages->bad_page()) + " does not match its checksum");

@@ -1,6 +1,7 @@
 // Stores in SQLite files. docs/records.md describes the tables.
 
 #include "files.h"
+#include "journal.h"
 #include "sqlite_format.h"
 
 #include <atomic>
@@ -778,6 +779,9 @@ std::unique_ptr<ENGINE> open_sqlite(std::string const& path, PDB_STORE_OPTIONS c
 
         auto database = std::make_unique<SQLITE_DATABASE>(
             file, path, writes ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY, options, true);
+        // The header may be half of one that a save was writing when the power failed.
+        if (is_sealed_journal(file + "-journal"))
+            database->set_up();
         std::string const bytes = database->header();
         FILE_HEADER const header(bytes);
         refuse_foreign(header, bytes.empty(), path);

@@ -1,0 +1,395 @@
+// Stores on disks that fail: calls that return errors, lost power, cut and changed files. Whatever
+// happens, what was saved is there, and nothing else is ever taken for it. With BIG_FAULTS=large in
+// the environment every test does more.
+
+#include "pdb_store_sys.h"
+
+#include "big_fraction_sys.h"
+#include "big_sys.h"
+#include "fault_campaign.h"
+#include "faulty_files.h"
+#include "store_places.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// ------------------------------------------------------------------------------------------------
+// The work of a program
+// ------------------------------------------------------------------------------------------------
+
+BIG_TIME ps(long long count) {
+    return BIG_TIME(count, BIG_TIME::UNIT_PS);
+}
+
+void put_times(PDB_STORE& store, std::string const& prefix, int count, long long first) {
+    for (int i = 0; i < count; ++i)
+        store.put(prefix + std::to_string(i), ps(first + i));
+}
+
+void put_array(PDB_STORE& store, std::string const& name, int count, long long first) {
+    std::vector<BIG_TIME> elements;
+    for (int i = 0; i < count; ++i)
+        elements.push_back(ps(first + i));
+    store.put_array(name, elements.data(), elements.size());
+}
+
+/// What the store holds before the work.
+void seed(PDB_STORE& store) {
+    put_times(store, "delay/", 20, 100);
+    put_array(store, "arrivals", 700, 1); // more than a page
+    store.put("clock", BIG_FREQUENCY(400));
+}
+
+/// Saves, each one a transaction.
+std::vector<std::function<void(PDB_STORE&)>> saves() {
+    return {
+        [](PDB_STORE& store) { store.put("delay/3", ps(-3)); },
+        [](PDB_STORE& store) { store.put("duty", BIG_FRACTION(1, 3)); }, // a new class
+        [](PDB_STORE& store) {
+            store.transaction([&] {
+                put_array(store, "arrivals", 300, 7000);
+                store.erase("delay/1");
+                store.rename("clock", "clock/main");
+                put_times(store, "more/", campaign_size(30, 3000), 1);
+            });
+        },
+        [](PDB_STORE& store) { // the file does not shrink, but its pages become free
+            store.transaction([&] {
+                store.erase("arrivals");
+                for (int i = 0; i < 15; ++i)
+                    store.erase("more/" + std::to_string(i));
+            });
+        },
+    };
+}
+
+/// A folder with a store, and what the store holds before the saves and after each.
+class STORE_WITH_HISTORY {
+public:
+    STORE_WITH_HISTORY() {
+        PDB_STORE store(path());
+        seed(store);
+        m_seed = content_of(path());
+        m_dumps.push_back(dump_of(store));
+        m_files.push_back(m_seed);
+        for (auto const& save : saves()) {
+            save(store);
+            m_dumps.push_back(dump_of(store));
+            m_files.push_back(content_of(path()));
+        }
+    }
+
+    std::string path() const { return m_folder.path("values.store"); }
+    /// What is in the store after so many saves.
+    std::string const& dump(std::size_t saves) const { return m_dumps[saves]; }
+
+    /// Brings the folder to the state after so many saves, with no other file in it.
+    void restore(std::size_t saves) const { restore(DISK{{path(), m_files[saves]}}); }
+    void restore(DISK const& disk) const {
+        for (auto const& entry : std::filesystem::directory_iterator(m_folder.path()))
+            std::filesystem::remove(entry.path());
+        for (auto const& [file, content] : disk)
+            write_content(file, content);
+    }
+    DISK disk(std::size_t saves) const { return {{path(), m_files[saves]}}; }
+
+private:
+    TEMPORARY_FOLDER m_folder;
+    std::string m_seed;
+    std::vector<std::string> m_files;
+    std::vector<std::string> m_dumps;
+};
+
+PDB_STORE_OPTIONS on_faulty_files() {
+    PDB_STORE_OPTIONS options;
+    options.vfs = FAULTY_FILES::NAME;
+    return options;
+}
+
+// ------------------------------------------------------------------------------------------------
+// Calls that fail
+// ------------------------------------------------------------------------------------------------
+
+struct FAILING_CALL {
+    char const* name;
+    FILE_CALL call;
+    FILE_FAULT fault;
+    bool is_last;
+};
+
+class PdbStoreFaults : public testing::TestWithParam<FAILING_CALL> {};
+
+TEST_P(PdbStoreFaults, AFailedSaveIsReportedAndTheOldContentStays) {
+    FAILING_CALL const& failing = GetParam();
+    STORE_WITH_HISTORY const history;
+    FAULTY_FILES files;
+    auto const steps = saves();
+    for (std::size_t save = 0; save < steps.size(); ++save) {
+        int failures = 0;
+        for (int number = 1;; ++number) {
+            SCOPED_TRACE("save " + std::to_string(save) + ", call " + std::to_string(number));
+            history.restore(save);
+            files.fail(failing.call, number, failing.fault, failing.is_last);
+            bool has_reported = false;
+            try {
+                PDB_STORE store(history.path(), on_faulty_files());
+                try {
+                    steps[save](store);
+                } catch (PDB_STORE_ERROR const& error) {
+                    has_reported = true;
+                    EXPECT_EQ(error.kind(), PDB_STORE_ERROR::SYSTEM) << error.what();
+                    // It refuses all further work, and says why.
+                    try {
+                        store.put("delay/3", ps(4));
+                        ADD_FAILURE() << "it still saves";
+                    } catch (PDB_STORE_ERROR const& later) {
+                        std::string const reason(error.what());
+                        EXPECT_EQ(later.kind(), PDB_STORE_ERROR::FAILED);
+                        EXPECT_NE(std::string(later.what())
+                                      .find(reason.substr(reason.find(history.path())
+                                                          + history.path().size())),
+                                  std::string::npos)
+                            << later.what();
+                    }
+                    BIG_TIME time;
+                    EXPECT_THROW(store.get("delay/3", time), PDB_STORE_ERROR);
+                }
+            } catch (PDB_STORE_ERROR const& error) {
+                has_reported = true; // it was not even opened
+                EXPECT_EQ(error.kind(), PDB_STORE_ERROR::SYSTEM) << error.what();
+            }
+            bool const has_failed = files.repair();
+            std::string const now = checked_dump_of(history.path());
+            bool const may_be_saved = !has_reported || failing.fault == FILE_FAULT::TOO_LATE;
+            bool const is_saved = may_be_saved && now == history.dump(save + 1);
+            EXPECT_EQ(now, history.dump(is_saved || !has_reported ? save + 1 : save));
+            failures += has_reported ? 1 : 0;
+            if (!has_failed || HasFailure()) {
+                EXPECT_FALSE(has_reported && !has_failed);
+                break;
+            }
+        }
+        EXPECT_TRUE(failures > 0 || failing.call == FILE_CALL::TRUNCATE); // not every save has one
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryCall, PdbStoreFaults,
+    testing::Values(
+        FAILING_CALL{"OpenOnce", FILE_CALL::OPEN, FILE_FAULT::ERROR, false},
+        FAILING_CALL{"OpenAndAllLater", FILE_CALL::OPEN, FILE_FAULT::ERROR, true},
+        FAILING_CALL{"WriteOnce", FILE_CALL::WRITE, FILE_FAULT::ERROR, false},
+        FAILING_CALL{"WriteAndAllLater", FILE_CALL::WRITE, FILE_FAULT::ERROR, true},
+        FAILING_CALL{"DiskFullOnce", FILE_CALL::WRITE, FILE_FAULT::DISK_FULL, false},
+        FAILING_CALL{"DiskFullAndAllLater", FILE_CALL::WRITE, FILE_FAULT::DISK_FULL, true},
+        FAILING_CALL{"ShortWriteOnce", FILE_CALL::WRITE, FILE_FAULT::SHORT_WRITE, false},
+        FAILING_CALL{"ShortWriteAndAllLater", FILE_CALL::WRITE, FILE_FAULT::SHORT_WRITE, true},
+        FAILING_CALL{"SyncOnce", FILE_CALL::SYNC, FILE_FAULT::ERROR, false},
+        FAILING_CALL{"SyncAndAllLater", FILE_CALL::SYNC, FILE_FAULT::ERROR, true},
+        FAILING_CALL{"SyncTooLate", FILE_CALL::SYNC, FILE_FAULT::TOO_LATE, true},
+        FAILING_CALL{"TruncateOnce", FILE_CALL::TRUNCATE, FILE_FAULT::ERROR, false},
+        FAILING_CALL{"TruncateAndAllLater", FILE_CALL::TRUNCATE, FILE_FAULT::ERROR, true},
+        FAILING_CALL{"RemoveOnce", FILE_CALL::REMOVE, FILE_FAULT::ERROR, false},
+        FAILING_CALL{"RemoveAndAllLater", FILE_CALL::REMOVE, FILE_FAULT::ERROR, true},
+        FAILING_CALL{"RemoveTooLate", FILE_CALL::REMOVE, FILE_FAULT::TOO_LATE, true}),
+    [](auto const& call) { return std::string(call.param.name); });
+
+// ------------------------------------------------------------------------------------------------
+// Power loss
+// ------------------------------------------------------------------------------------------------
+
+TEST(PdbStorePowerLoss, SavedContentIsThereAndNoHalfTransactionIs) {
+    STORE_WITH_HISTORY const history;
+    FAULTY_FILES files;
+    history.restore(0);
+    files.record();
+    {
+        PDB_STORE store(history.path(), on_faulty_files());
+        int done = 0;
+        for (auto const& save : saves()) {
+            save(store);
+            files.mark(++done);
+        }
+    }
+    auto const record = files.recorded();
+    std::size_t disks = 0;
+    std::size_t saved = 0;
+    for (std::size_t step = 0; step <= record.size(); ++step) {
+        if (step > 0 && record[step - 1].mark)
+            saved = static_cast<std::size_t>(*record[step - 1].mark);
+        for (DISK const& disk : disks_after_power_loss(history.disk(0), record, step)) {
+            history.restore(disk);
+            ++disks;
+            std::string const now = checked_dump_of(history.path());
+            bool const is_next = saved < saves().size() && now == history.dump(saved + 1);
+            ASSERT_EQ(now, history.dump(is_next ? saved + 1 : saved)) << "after step " << step;
+        }
+    }
+    std::cout << record.size() << " steps, " << disks << " disks\n";
+    EXPECT_GT(disks, record.size());
+}
+
+TEST(PdbStorePowerLoss, AChangedByteInWhatTakesTheLastSaveBackIsAnError) {
+    STORE_WITH_HISTORY const history;
+    FAULTY_FILES files;
+    history.restore(2);
+    files.record();
+    {
+        PDB_STORE store(history.path(), on_faulty_files());
+        saves()[2](store);
+    }
+    auto const record = files.recorded();
+    // The power fails just before the journal goes.
+    std::size_t steps = 0;
+    while (record[steps].call != FILE_CALL::REMOVE)
+        ++steps;
+    DISK const disk = disks_after_power_loss(history.disk(2), record, steps).front();
+    std::string const path = history.path() + "-journal";
+    ASSERT_EQ(disk.count(path), 1U);
+    constexpr unsigned SEED = 4242;
+    std::mt19937 random(SEED);
+    std::size_t const size = disk.at(path).size();
+    std::cout << size << " bytes, seed " << SEED << '\n';
+    std::size_t const stride = static_cast<std::size_t>(campaign_size(37, 1));
+    for (std::size_t at = 0; at < size; at += at < 600 ? 1 : stride) {
+        DISK changed = disk;
+        char& byte = changed.at(path)[at];
+        byte = static_cast<char>(byte ^ static_cast<char>(1 + random() % 255));
+        history.restore(changed);
+        try {
+            ASSERT_EQ(checked_dump_of(history.path()), history.dump(2)) << "byte " << at;
+        } catch (PDB_STORE_ERROR const& error) {
+            ASSERT_EQ(error.kind(), PDB_STORE_ERROR::DAMAGED) << "byte " << at;
+        }
+    }
+    // The same for a journal that was cut behind its header.
+    for (std::size_t left = 36; left < size; left += stride) {
+        DISK changed = disk;
+        changed.at(path).resize(left);
+        history.restore(changed);
+        try {
+            ASSERT_EQ(checked_dump_of(history.path()), history.dump(2)) << left << " bytes";
+        } catch (PDB_STORE_ERROR const& error) {
+            ASSERT_EQ(error.kind(), PDB_STORE_ERROR::DAMAGED) << left << " bytes";
+        }
+    }
+}
+
+// ------------------------------------------------------------------------------------------------
+// Files that are not what was written
+// ------------------------------------------------------------------------------------------------
+
+/// A store with a little of everything.
+class SMALL_STORE {
+public:
+    SMALL_STORE() {
+        {
+            PDB_STORE store(path());
+            put_times(store, "delay/", 4, 100);
+            store.put("clock", BIG_FREQUENCY(400));
+            store.put("duty", BIG_FRACTION(1, 3));
+            put_array(store, "arrivals", 9, 1);
+            put_times(store, "gone/", 60, 1);
+            for (int i = 0; i < 60; ++i)
+                store.erase("gone/" + std::to_string(i));
+        }
+        m_content = content_of(path());
+        m_dump = checked_dump_of(path());
+    }
+
+    std::string path() const { return m_folder.path("values.store"); }
+    std::string const& content() const { return m_content; }
+
+    /// Whether reading everything tells what was saved, or throws PDB_STORE_ERROR.
+    bool is_right_or_refused(PDB_STORE_OPTIONS::ACCESS access) const {
+        PDB_STORE_OPTIONS options;
+        options.access = access;
+        try {
+            PDB_STORE store(path(), options);
+            // Each by its name, so that one that does not find its page does not hide the others.
+            bool is_right = true;
+            auto const read = [&](auto const& get) {
+                try {
+                    is_right = get() && is_right;
+                } catch (PDB_STORE_ERROR const&) {
+                }
+            };
+            for (int i = 0; i < 4; ++i)
+                read([&] {
+                    BIG_TIME time;
+                    return store.get("delay/" + std::to_string(i), time)
+                           && time.get_time_value() == 100 + i
+                           && time.get_time_unit() == BIG_TIME::UNIT_PS;
+                });
+            read([&] {
+                BIG_FREQUENCY clock;
+                return store.get("clock", clock) && clock.get_value() == 2.5e9;
+            });
+            read([&] {
+                BIG_FRACTION duty;
+                return store.get("duty", duty) && duty == BIG_FRACTION(1, 3);
+            });
+            read([&] {
+                std::vector<BIG_TIME> arrivals;
+                bool is_same = store.get_array("arrivals", arrivals) && arrivals.size() == 9;
+                for (std::size_t i = 0; is_same && i < arrivals.size(); ++i)
+                    is_same = arrivals[i].get_time_value() == static_cast<long long>(i) + 1;
+                return is_same;
+            });
+            return is_right && dump_of(store) == m_dump;
+        } catch (PDB_STORE_ERROR const&) {
+            return true;
+        }
+    }
+
+private:
+    TEMPORARY_FOLDER m_folder;
+    std::string m_content;
+    std::string m_dump;
+};
+
+TEST(PdbStoreDamage, AChangedByteIsAnErrorOrChangesNothing) {
+    SMALL_STORE const store;
+    ASSERT_TRUE(store.is_right_or_refused(PDB_STORE_OPTIONS::READ));
+    constexpr unsigned SEED = 20180;
+    std::cout << store.content().size() << " bytes, seed " << SEED << '\n';
+    std::mt19937 random(SEED);
+    std::string content = store.content();
+    std::fstream file(store.path(), std::ios::in | std::ios::out | std::ios::binary);
+    auto const put = [&](std::size_t at, char byte) {
+        file.seekp(static_cast<std::streamoff>(at));
+        file.put(byte).flush();
+    };
+    std::size_t const stride = static_cast<std::size_t>(campaign_size(17, 1));
+    for (std::size_t at = 0; at < content.size(); at += at < 100 ? 1 : stride) {
+        char const mask = static_cast<char>(1 + random() % 255);
+        put(at, static_cast<char>(content[at] ^ mask));
+        ASSERT_TRUE(store.is_right_or_refused(PDB_STORE_OPTIONS::READ))
+            << "byte " << at << ", changed by " << static_cast<int>(mask);
+        put(at, content[at]);
+    }
+    EXPECT_TRUE(store.is_right_or_refused(PDB_STORE_OPTIONS::READ_WRITE));
+}
+
+TEST(PdbStoreDamage, ACutFileIsAnError) {
+    SMALL_STORE const store;
+    std::size_t const stride = static_cast<std::size_t>(campaign_size(17, 1));
+    for (std::size_t size = 0; size < store.content().size(); size += size < 100 ? 1 : stride) {
+        write_content(store.path(), std::string_view(store.content()).substr(0, size));
+        EXPECT_THROW(checked_dump_of(store.path()), PDB_STORE_ERROR) << size << " bytes left";
+        if (HasFailure())
+            return;
+        ASSERT_TRUE(store.is_right_or_refused(PDB_STORE_OPTIONS::READ)) << size << " bytes left";
+    }
+}
+
+} // namespace

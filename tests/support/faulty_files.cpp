@@ -1,0 +1,395 @@
+#include "faulty_files.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <new>
+#include <random>
+
+#include <sqlite3.h>
+
+// ------------------------------------------------------------------------------------------------
+// The VFS
+// ------------------------------------------------------------------------------------------------
+
+class FAULTY_FILES::STATE : public sqlite3_vfs {
+public:
+    /// Whether a call fails, and how.
+    std::optional<FILE_FAULT> fault_of(FILE_CALL call) {
+        if (m_is_gone)
+            return FILE_FAULT::ERROR;
+        if (!m_call || *m_call != call || --m_calls_left > 0)
+            return {};
+        m_call.reset();
+        m_has_failed = true;
+        m_is_gone = m_is_last;
+        return m_fault;
+    }
+
+    void remember(FILE_STEP step) {
+        if (m_records)
+            m_steps.push_back(std::move(step));
+    }
+
+    sqlite3_vfs* m_base = nullptr;
+    std::optional<FILE_CALL> m_call; ///< that is to fail
+    int m_calls_left = 0;
+    FILE_FAULT m_fault = FILE_FAULT::ERROR;
+    bool m_is_last = false;
+    bool m_is_gone = false;
+    bool m_has_failed = false;
+    bool m_records = false;
+    std::vector<FILE_STEP> m_steps;
+};
+
+namespace {
+
+using STATE = FAULTY_FILES::STATE;
+
+/// A file. The base's own file object stands behind it in memory.
+struct FAULTY_FILE : sqlite3_file {
+    STATE* state;
+    std::string* path;
+};
+
+constexpr std::size_t FILE_SIZE = (sizeof(FAULTY_FILE) + alignof(std::max_align_t) - 1)
+                                  / alignof(std::max_align_t) * alignof(std::max_align_t);
+
+FAULTY_FILE& faulty(sqlite3_file* file) {
+    return *static_cast<FAULTY_FILE*>(file);
+}
+
+sqlite3_file* base_of(sqlite3_file* file) {
+    return reinterpret_cast<sqlite3_file*>(reinterpret_cast<char*>(file) + FILE_SIZE);
+}
+
+int error_of(FILE_CALL call, FILE_FAULT fault) {
+    switch (call) {
+    case FILE_CALL::OPEN: return SQLITE_CANTOPEN;
+    case FILE_CALL::WRITE: return fault == FILE_FAULT::DISK_FULL ? SQLITE_FULL : SQLITE_IOERR_WRITE;
+    case FILE_CALL::SYNC: return SQLITE_IOERR_FSYNC;
+    case FILE_CALL::TRUNCATE: return SQLITE_IOERR_TRUNCATE;
+    case FILE_CALL::REMOVE: return SQLITE_IOERR_DELETE;
+    }
+    return SQLITE_IOERR;
+}
+
+/// Does a call, or lets it fail, and remembers what was done.
+template <typename WORK>
+int attempt(STATE& state, FILE_STEP step, WORK work) {
+    FILE_CALL const call = step.call;
+    auto const fault = state.fault_of(call);
+    if (fault && fault != FILE_FAULT::TOO_LATE)
+        return error_of(call, *fault);
+    int const result = work();
+    if (result == SQLITE_OK)
+        state.remember(std::move(step));
+    return fault ? error_of(call, *fault) : result;
+}
+
+// --- Files ---
+
+int close_file(sqlite3_file* file) {
+    delete faulty(file).path;
+    return base_of(file)->pMethods->xClose(base_of(file));
+}
+
+int read_file(sqlite3_file* file, void* bytes, int amount, sqlite3_int64 offset) {
+    return base_of(file)->pMethods->xRead(base_of(file), bytes, amount, offset);
+}
+
+int write_file(sqlite3_file* file, void const* bytes, int amount, sqlite3_int64 offset) {
+    FAULTY_FILE& self = faulty(file);
+    auto const write = [&](int size) {
+        return base_of(file)->pMethods->xWrite(base_of(file), bytes, size, offset);
+    };
+    if (self.state->m_call == FILE_CALL::WRITE && self.state->m_calls_left == 1
+        && self.state->m_fault == FILE_FAULT::SHORT_WRITE)
+        write(amount / 2);
+    FILE_STEP step;
+    step.call = FILE_CALL::WRITE;
+    step.file = *self.path;
+    step.offset = offset;
+    step.bytes.assign(static_cast<char const*>(bytes), static_cast<std::size_t>(amount));
+    return attempt(*self.state, std::move(step), [&] { return write(amount); });
+}
+
+int truncate_file(sqlite3_file* file, sqlite3_int64 size) {
+    FILE_STEP step;
+    step.call = FILE_CALL::TRUNCATE;
+    step.file = *faulty(file).path;
+    step.size = size;
+    return attempt(*faulty(file).state, std::move(step),
+                   [&] { return base_of(file)->pMethods->xTruncate(base_of(file), size); });
+}
+
+int sync_file(sqlite3_file* file, int flags) {
+    FILE_STEP step;
+    step.call = FILE_CALL::SYNC;
+    step.file = *faulty(file).path;
+    return attempt(*faulty(file).state, std::move(step),
+                   [&] { return base_of(file)->pMethods->xSync(base_of(file), flags); });
+}
+
+int file_size(sqlite3_file* file, sqlite3_int64* size) {
+    return base_of(file)->pMethods->xFileSize(base_of(file), size);
+}
+
+int lock_file(sqlite3_file* file, int level) {
+    return base_of(file)->pMethods->xLock(base_of(file), level);
+}
+
+int unlock_file(sqlite3_file* file, int level) {
+    return base_of(file)->pMethods->xUnlock(base_of(file), level);
+}
+
+int check_reserved_lock(sqlite3_file* file, int* is_reserved) {
+    return base_of(file)->pMethods->xCheckReservedLock(base_of(file), is_reserved);
+}
+
+int control_file(sqlite3_file* file, int operation, void* argument) {
+    return base_of(file)->pMethods->xFileControl(base_of(file), operation, argument);
+}
+
+int sector_size(sqlite3_file* file) {
+    return base_of(file)->pMethods->xSectorSize(base_of(file));
+}
+
+int device_characteristics(sqlite3_file* file) {
+    return base_of(file)->pMethods->xDeviceCharacteristics(base_of(file));
+}
+
+/// Version 1: no shared memory and no memory mapping, which would pass by unseen.
+sqlite3_io_methods const FAULTY_FILE_METHODS = {
+    1,
+    close_file,
+    read_file,
+    write_file,
+    truncate_file,
+    sync_file,
+    file_size,
+    lock_file,
+    unlock_file,
+    check_reserved_lock,
+    control_file,
+    sector_size,
+    device_characteristics,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+};
+
+// --- The VFS ---
+
+STATE& state_of(sqlite3_vfs* vfs) {
+    return *static_cast<STATE*>(vfs);
+}
+
+sqlite3_vfs* base_of(sqlite3_vfs* vfs) {
+    return state_of(vfs).m_base;
+}
+
+int open_file(sqlite3_vfs* vfs, char const* name, sqlite3_file* file, int flags, int* out_flags) {
+    file->pMethods = nullptr;
+    base_of(file)->pMethods = nullptr;
+    FILE_STEP step;
+    step.call = FILE_CALL::OPEN;
+    step.file = name != nullptr ? name : "";
+    auto path = std::make_unique<std::string>(step.file);
+    auto const open = [&] {
+        return base_of(vfs)->xOpen(base_of(vfs), name, base_of(file), flags, out_flags);
+    };
+    int const result = attempt(state_of(vfs), std::move(step), open);
+    if (base_of(file)->pMethods != nullptr) { // so that SQLite closes it, opened or not
+        file->pMethods = &FAULTY_FILE_METHODS;
+        faulty(file).state = &state_of(vfs);
+        faulty(file).path = path.release();
+    }
+    return result;
+}
+
+int remove_file(sqlite3_vfs* vfs, char const* name, int sync_folder) {
+    FILE_STEP step;
+    step.call = FILE_CALL::REMOVE;
+    step.file = name;
+    step.is_synced = sync_folder != 0;
+    return attempt(state_of(vfs), std::move(step),
+                   [&] { return base_of(vfs)->xDelete(base_of(vfs), name, sync_folder); });
+}
+
+int access_file(sqlite3_vfs* vfs, char const* name, int flags, int* answer) {
+    return base_of(vfs)->xAccess(base_of(vfs), name, flags, answer);
+}
+
+int full_path_name(sqlite3_vfs* vfs, char const* name, int size, char* path) {
+    return base_of(vfs)->xFullPathname(base_of(vfs), name, size, path);
+}
+
+int randomness(sqlite3_vfs* vfs, int count, char* bytes) {
+    return base_of(vfs)->xRandomness(base_of(vfs), count, bytes);
+}
+
+int sleep_microseconds(sqlite3_vfs* vfs, int microseconds) {
+    return base_of(vfs)->xSleep(base_of(vfs), microseconds);
+}
+
+int current_time(sqlite3_vfs* vfs, double* time) {
+    return base_of(vfs)->xCurrentTime(base_of(vfs), time);
+}
+
+int last_error(sqlite3_vfs* vfs, int size, char* text) {
+    return base_of(vfs)->xGetLastError(base_of(vfs), size, text);
+}
+
+} // namespace
+
+FAULTY_FILES::FAULTY_FILES() : m_state(new STATE) {
+    sqlite3_vfs* const base = sqlite3_vfs_find(nullptr);
+    m_state->m_base = base;
+    m_state->iVersion = 1;
+    m_state->szOsFile = static_cast<int>(FILE_SIZE) + base->szOsFile;
+    m_state->mxPathname = base->mxPathname;
+    m_state->zName = NAME;
+    m_state->xOpen = open_file;
+    m_state->xDelete = remove_file;
+    m_state->xAccess = access_file;
+    m_state->xFullPathname = full_path_name;
+    m_state->xRandomness = randomness;
+    m_state->xSleep = sleep_microseconds;
+    m_state->xCurrentTime = current_time;
+    m_state->xGetLastError = last_error;
+    sqlite3_vfs_register(m_state.get(), 0);
+}
+
+FAULTY_FILES::~FAULTY_FILES() {
+    sqlite3_vfs_unregister(m_state.get());
+}
+
+void FAULTY_FILES::fail(FILE_CALL call, int number, FILE_FAULT fault, bool is_last) {
+    m_state->m_call = call;
+    m_state->m_calls_left = number;
+    m_state->m_fault = fault;
+    m_state->m_is_last = is_last;
+    m_state->m_is_gone = false;
+    m_state->m_has_failed = false;
+}
+
+bool FAULTY_FILES::repair() {
+    m_state->m_call.reset();
+    m_state->m_is_gone = false;
+    return m_state->m_has_failed;
+}
+
+void FAULTY_FILES::record() {
+    m_state->m_steps.clear();
+    m_state->m_records = true;
+}
+
+void FAULTY_FILES::mark(int value) {
+    FILE_STEP step;
+    step.mark = value;
+    m_state->remember(std::move(step));
+}
+
+std::vector<FILE_STEP> FAULTY_FILES::recorded() {
+    m_state->m_records = false;
+    return std::move(m_state->m_steps);
+}
+
+// ------------------------------------------------------------------------------------------------
+// Power loss
+// ------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// A file as a program sees it and as it is on the disk for certain; nothing when there is none.
+struct CACHED_FILE {
+    std::optional<std::string> seen;
+    std::optional<std::string> synced;
+};
+
+void write_into(std::string& content, long long offset, std::string const& bytes) {
+    auto const begin = static_cast<std::size_t>(offset);
+    if (content.size() < begin + bytes.size())
+        content.resize(begin + bytes.size());
+    content.replace(begin, bytes.size(), bytes);
+}
+
+void take(std::map<std::string, CACHED_FILE>& files, FILE_STEP const& step) {
+    CACHED_FILE& file = files[step.file];
+    switch (step.call) {
+    case FILE_CALL::OPEN:
+        if (!file.seen)
+            file.seen.emplace();
+        break;
+    case FILE_CALL::WRITE: write_into(*file.seen, step.offset, step.bytes); break;
+    case FILE_CALL::TRUNCATE: file.seen->resize(static_cast<std::size_t>(step.size)); break;
+    case FILE_CALL::SYNC: file.synced = file.seen; break;
+    case FILE_CALL::REMOVE:
+        file.seen.reset();
+        if (step.is_synced)
+            file.synced.reset();
+        break;
+    }
+}
+
+/// Every choice of what is there of each file.
+void add_choices(std::vector<DISK>& disks, std::map<std::string, CACHED_FILE> const& files) {
+    std::vector<DISK> choices(1);
+    for (auto const& [path, file] : files) {
+        std::size_t const count = choices.size();
+        for (std::size_t i = 0; i < count; ++i) {
+            if (file.seen != file.synced) {
+                choices.push_back(choices[i]);
+                if (file.synced)
+                    choices.back()[path] = *file.synced;
+            }
+            if (file.seen)
+                choices[i][path] = *file.seen;
+        }
+    }
+    for (DISK& disk : choices)
+        if (std::find(disks.begin(), disks.end(), disk) == disks.end())
+            disks.push_back(std::move(disk));
+}
+
+/// What a write that was under way leaves: some sectors, and noise in the next one.
+std::string torn(std::string const& bytes, std::size_t sectors, std::mt19937& random) {
+    constexpr std::size_t SECTOR_SIZE = 512;
+    std::size_t const whole = std::min(sectors * SECTOR_SIZE, bytes.size());
+    std::string text = bytes.substr(0, whole);
+    for (std::size_t i = whole; i < std::min(whole + SECTOR_SIZE, bytes.size()); ++i)
+        text += static_cast<char>(random());
+    return text;
+}
+
+} // namespace
+
+std::vector<DISK> disks_after_power_loss(DISK const& before, std::vector<FILE_STEP> const& record,
+                                         std::size_t steps) {
+    std::map<std::string, CACHED_FILE> files;
+    for (auto const& [path, content] : before)
+        files[path] = {content, content};
+    std::vector<DISK> disks;
+    for (std::size_t i = 0; i < steps; ++i) {
+        FILE_STEP const& step = record[i];
+        if (step.mark)
+            continue;
+        bool const is_under_way = i + 1 == steps && step.call == FILE_CALL::WRITE;
+        if (is_under_way) {
+            std::mt19937 random(static_cast<unsigned>(i)); // the same noise in every run
+            for (std::size_t sectors : {std::size_t{0}, step.bytes.size() / 1024}) {
+                auto torn_files = files;
+                FILE_STEP part = step;
+                part.bytes = torn(step.bytes, sectors, random);
+                take(torn_files, part);
+                add_choices(disks, torn_files);
+            }
+        }
+        take(files, step);
+    }
+    add_choices(disks, files);
+    return disks;
+}
