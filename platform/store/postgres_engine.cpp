@@ -123,8 +123,6 @@ public:
                                STORED_CLASS const* but_values_of) const;
     /// Differs when the classes, and so the tables that hold names, have changed.
     unsigned directory_version() const { return m_directory_version; }
-    /// Differs in every transaction.
-    std::uint64_t transaction() const { return m_transaction; }
 
 private:
     bool is_there();
@@ -193,22 +191,20 @@ private:
     void read_cells(ROWS const& rows, int row, int first, CELL* cells) const;
     ROWS read_range(std::string const& columns, std::string const& table, NAME_RANGE const& range,
                     std::size_t limit);
-    std::optional<REFUSAL> find_refusal(VALUE_BATCH const& batch);
+    std::optional<REFUSAL> clear_names(VALUE_BATCH const& batch);
 
     POSTGRES_ENGINE& m_engine;
     STORED_CLASS const m_stored;
     std::string const m_values; ///< the tables
     std::string const m_arrays;
     std::string const m_chunks;
-    std::string const m_incoming; ///< a temporary table of values
-    std::string m_columns;        ///< of the values
-    std::string m_replace;        ///< the end of an INSERT of values
+    std::string m_columns; ///< of the values
+    std::string m_replace; ///< the end of an INSERT of values
 
-    std::uint64_t m_incoming_made_in = 0; ///< a transaction
     // Statements in which all classes of the store are named, as of a version of the directory
     unsigned m_holders_version = 0;
     std::string m_put_value;
-    std::string m_find_refusals;
+    std::string m_clear_names;
     std::string m_put_array;
 };
 
@@ -216,7 +212,6 @@ POSTGRES_TABLE::POSTGRES_TABLE(POSTGRES_ENGINE& engine, STORED_CLASS const& stor
     : m_engine(engine), m_stored(stored), m_values(engine.in_schema(stored.table)),
       m_arrays(engine.in_schema(stored.table + "_array")),
       m_chunks(engine.in_schema(stored.table + "_chunk")),
-      m_incoming("pg_temp." + in_quotes(stored.table)),
       m_replace("ON CONFLICT (name) DO UPDATE SET ") {
     for (COLUMN const& column : value_columns(stored)) {
         m_columns += (m_columns.empty() ? "" : ", ") + column.name;
@@ -246,7 +241,8 @@ void POSTGRES_TABLE::name_holders() {
     m_put_array =
         insert(m_engine.select_holders("= $1", nullptr), m_arrays + " (name, id, count, checksum)",
                "$1::bytea, $2::bigint, $3::bigint, $4::bigint", "");
-    m_find_refusals = m_engine.select_holders("= ANY ($1)", &m_stored);
+    m_clear_names = "WITH cleared AS (DELETE FROM " + m_values + " WHERE name = ANY ($1)) "
+                    + m_engine.select_holders("= ANY ($1)", &m_stored);
     m_holders_version = m_engine.directory_version();
 }
 
@@ -266,13 +262,14 @@ std::optional<HOLDER> POSTGRES_TABLE::put_value(std::string_view name, CELL cons
     return first_holder(run(m_put_value, fields));
 }
 
-/// The first row of a batch whose name holds something else.
-std::optional<CLASS_TABLE::REFUSAL> POSTGRES_TABLE::find_refusal(VALUE_BATCH const& batch) {
+/// Removes what the names of a batch hold of this class. Returns the first row whose name holds
+/// something else.
+std::optional<CLASS_TABLE::REFUSAL> POSTGRES_TABLE::clear_names(VALUE_BATCH const& batch) {
     name_holders();
     std::vector<std::string_view> names;
     for (std::size_t row = 0; row < batch.size(); ++row)
         names.push_back(batch.name(row));
-    ROWS const holders = run(m_find_refusals, FIELDS().add_array(names));
+    ROWS const holders = run(m_clear_names, FIELDS().add_array(names));
     std::optional<REFUSAL> first;
     for (int i = 0; i < holders.size(); ++i) {
         auto const at = std::find(names.begin(), names.end(), holders.bytes(i, 2));
@@ -287,10 +284,10 @@ std::optional<CLASS_TABLE::REFUSAL> POSTGRES_TABLE::find_refusal(VALUE_BATCH con
 std::optional<CLASS_TABLE::REFUSAL> POSTGRES_TABLE::put_values(VALUE_BATCH const& batch) {
     if (batch.size() == 0)
         return {};
-    if (auto const refusal = find_refusal(batch))
+    if (auto const refusal = clear_names(batch))
         return refusal;
 
-    // One INSERT changes a row once, so only the last of several rows with one name goes in.
+    // A name has one row, so only the last of several with one name goes in.
     std::unordered_map<std::string_view, std::size_t> last_rows;
     for (std::size_t row = 0; row < batch.size(); ++row)
         last_rows[batch.name(row)] = row;
@@ -303,16 +300,8 @@ std::optional<CLASS_TABLE::REFUSAL> POSTGRES_TABLE::put_values(VALUE_BATCH const
         rows.add(fields);
     }
 
-    POSTGRES_CONNECTION& connection = m_engine.connection();
-    if (m_incoming_made_in != m_engine.transaction()) {
-        connection.run("CREATE TEMPORARY TABLE IF NOT EXISTS " + in_quotes(m_stored.table)
-                       + " (LIKE " + m_values + ") ON COMMIT DELETE ROWS");
-        m_incoming_made_in = m_engine.transaction();
-    }
-    connection.copy("COPY " + m_incoming + " (" + m_columns + ") FROM STDIN (FORMAT binary)",
-                    rows.finish());
-    connection.run("INSERT INTO " + m_values + " (" + m_columns + ") SELECT " + m_columns + " FROM "
-                   + m_incoming + ' ' + m_replace + "; TRUNCATE " + m_incoming);
+    m_engine.connection().copy(
+        "COPY " + m_values + " (" + m_columns + ") FROM STDIN (FORMAT binary)", rows.finish());
     return {};
 }
 
