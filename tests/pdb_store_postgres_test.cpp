@@ -388,6 +388,26 @@ TEST_F(PdbStorePostgres, ATransactionThatIsOpenedByHandIsNotAppliedWhenItsSessio
     EXPECT_EQ(counter(), 8);
 }
 
+TEST_F(PdbStorePostgres, ADumpThatIsInterruptedIsNotBegunAgain) {
+    PDB_STORE store(address());
+    int count = 0;
+    store.put_each<BIG_TIME>([&](std::string& name, BIG_TIME&) {
+        name = std::to_string(count);
+        return count++ < 1500;
+    });
+    int lines = 0;
+    FAILURE const failure = failure_of([&] {
+        store.dump([&](std::string_view line) {
+            if (lines++ == 10)
+                kill_sessions();
+            EXPECT_TRUE(line != "end" && lines < 1500);
+        });
+    });
+    EXPECT_EQ(failure.kind, KIND::CONFLICT) << failure.text;
+    EXPECT_GT(lines, 100);
+    EXPECT_EQ(counter("0"), 0);
+}
+
 TEST_F(PdbStorePostgres, ATransactionWhoseCommitHasNoAnswerIsAppliedOnce) {
     CUTTING_FORWARDER forwarder(m_server.port());
     PDB_STORE store(address_through(forwarder));

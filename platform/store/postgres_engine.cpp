@@ -574,7 +574,10 @@ void POSTGRES_ENGINE::begin(bool writes, bool alone) {
 void POSTGRES_ENGINE::start(bool writes, bool alone) {
     m_writes = writes;
     ++m_transaction;
-    std::string statements = "BEGIN ISOLATION LEVEL SERIALIZABLE READ ";
+    // A reader that is never to be in conflict sees one moment too, though perhaps one between two
+    // transactions that a serial order has the other way round.
+    std::string statements = "BEGIN ISOLATION LEVEL ";
+    statements += alone && !writes ? "REPEATABLE READ READ " : "SERIALIZABLE READ ";
     if (writes) {
         // The lock comes first: what the transaction sees is as it is when the lock is there. All
         // who write share it, unless one of them is to be alone. Readers need none.
