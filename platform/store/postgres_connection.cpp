@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <new>
 #include <thread>
 
@@ -198,7 +199,8 @@ std::string connect_timeout(std::chrono::milliseconds wait) {
 POSTGRES_CONNECTION::POSTGRES_CONNECTION(std::string const& address, std::string const& shown_as,
                                          PDB_STORE_OPTIONS const& options)
     : m_address(address), m_shown_as(shown_as),
-      m_wait(std::max(options.wait, std::chrono::milliseconds(1))),
+      m_wait(std::clamp(options.wait, std::chrono::milliseconds(1),
+                        std::chrono::milliseconds(std::numeric_limits<int>::max()))),
       m_reads_only(options.access == PDB_STORE_OPTIONS::READ) {
     refuse_malformed(address, shown_as);
     // A server that starts is waited for; what else is wrong stays wrong.

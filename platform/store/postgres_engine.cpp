@@ -140,15 +140,18 @@ private:
     std::string view_of_values(STORED_CLASS const& stored) const;
     std::string view_of_elements(STORED_CLASS const& stored) const;
     void create_view(std::string const& name, std::string const& query);
-    std::vector<std::string> all_tables() const;
+    void check_index(std::string const& table, std::string const& column,
+                     std::function<void(std::string const&)> const& problem);
+    void check_readable(STORED_CLASS const& stored, STORED_MEMBER const& member,
+                        std::function<void(std::string const&)> const& problem);
 
     POSTGRES_CONNECTION m_connection;
     std::string m_schema;
     std::string m_id;      ///< the store's
     std::string m_session; ///< this handle's name in big_commit
     std::uint64_t m_transaction = 0;
-    bool m_writes = false;   ///< the transaction at hand
-    bool m_has_rows = false; ///< in big_commit
+    bool m_writes = false; ///< the transaction at hand
+    int m_commit_rows = 0; ///< in big_commit, at most
     std::vector<STORED_CLASS> m_classes;
     std::string m_class_count; ///< as the directory had it; empty when m_classes is outdated
     unsigned m_directory_version = 0;
@@ -558,14 +561,15 @@ void POSTGRES_ENGINE::reconnect() {
 void POSTGRES_ENGINE::begin(bool writes, bool alone) {
     constexpr int MOST_ATTEMPTS = 3; // for connections that were lost since they were used last
     for (int attempt = 1;; ++attempt) {
-        if (m_connection.is_lost())
-            reconnect();
         try {
+            if (m_connection.is_lost())
+                reconnect();
             start(writes, alone);
             return;
-        } catch (PDB_STORE_ERROR const&) {
+        } catch (PDB_STORE_ERROR const& error) {
             rollback();
-            if (!m_connection.is_lost() || attempt == MOST_ATTEMPTS)
+            if (!m_connection.is_lost() || error.kind() != PDB_STORE_ERROR::CONFLICT
+                || attempt == MOST_ATTEMPTS)
                 throw;
         }
     }
@@ -585,7 +589,7 @@ void POSTGRES_ENGINE::start(bool writes, bool alone) {
                       + (alone ? "SHARE ROW" : "ROW") + " EXCLUSIVE MODE; INSERT INTO "
                       + in_schema("big_commit") + " (session, number, applied) VALUES ("
                       + transaction_key() + ", true); ";
-        m_has_rows = true;
+        ++m_commit_rows;
     } else {
         statements += "ONLY; ";
     }
@@ -609,8 +613,8 @@ void POSTGRES_ENGINE::commit() {
             throw;
         }
     }
-    constexpr std::uint64_t FORGET_AFTER = 1000;
-    if (m_writes && m_transaction % FORGET_AFTER == 0)
+    constexpr int MOST_COMMIT_ROWS = 100;
+    if (m_commit_rows >= MOST_COMMIT_ROWS)
         forget_commits();
 }
 
@@ -644,12 +648,12 @@ bool POSTGRES_ENGINE::was_applied() {
 
 /// Removes the rows of transactions whose end is known.
 void POSTGRES_ENGINE::forget_commits() noexcept {
-    if (!m_has_rows || m_connection.is_lost())
+    if (m_commit_rows == 0 || m_connection.is_lost())
         return;
     try {
         m_connection.run("DELETE FROM " + in_schema("big_commit")
                          + " WHERE session = " + literal(m_session));
-        m_has_rows = false;
+        m_commit_rows = 0;
     } catch (...) {
         // They are in nobody's way, and are removed when the store is opened in a month.
     }
@@ -798,47 +802,47 @@ std::optional<HOLDER> POSTGRES_ENGINE::find(std::string_view name) {
 // Checking
 // ------------------------------------------------------------------------------------------------
 
-std::vector<std::string> POSTGRES_ENGINE::all_tables() const {
-    std::vector<std::string> tables{"big_class"};
-    for (STORED_CLASS const& stored : m_classes)
-        for (char const* const suffix : {"", "_array", "_chunk"})
-            tables.push_back(stored.table + suffix);
-    return tables;
+/// Compares the rows of a table with the entries of its index on a column.
+void POSTGRES_ENGINE::check_index(std::string const& table, std::string const& column,
+                                  std::function<void(std::string const&)> const& problem) {
+    auto const count = [&](bool by_index) {
+        std::string const on = by_index ? "on" : "off";
+        return m_connection
+            .run("SET LOCAL enable_indexscan = " + on + "; SET LOCAL enable_indexonlyscan = " + on
+                 + "; SET LOCAL enable_seqscan = " + (by_index ? "off" : "on") + "; SELECT count("
+                 + column + ") FROM " + in_schema(table))
+            .text(0, 0);
+    };
+    std::string const rows = count(false);
+    std::string const entries = count(true);
+    if (rows != entries)
+        problem("table " + table + " has " + rows + " rows, and its index " + entries);
+}
+
+/// Looks for doubles beside which another number stands.
+void POSTGRES_ENGINE::check_readable(STORED_CLASS const& stored, STORED_MEMBER const& member,
+                                     std::function<void(std::string const&)> const& problem) {
+    std::string const readable = readable_column(member);
+    ROWS const wrong =
+        m_connection.run("SELECT name FROM " + in_schema(stored.table) + " WHERE float8send("
+                             + in_quotes(readable) + ") <> " + in_quotes(member.column),
+                         {});
+    for (int row = 0; row < wrong.size(); ++row)
+        problem("column " + readable + " of what " + shown(wrong.bytes(row, 0))
+                + " holds is not the number in " + member.column);
 }
 
 void POSTGRES_ENGINE::check(std::function<void(std::string const&)> const& problem) {
     read_directory();
-
-    // Each table through its index and without.
-    auto const count = [&](std::string const& table, bool by_index) {
-        std::string const on = by_index ? "on" : "off";
-        return m_connection
-            .run("SET LOCAL enable_indexscan = " + on + "; SET LOCAL enable_indexonlyscan = " + on
-                 + "; SET LOCAL enable_seqscan = " + (by_index ? "off" : "on")
-                 + "; SELECT count(*) FROM " + in_schema(table))
-            .text(0, 0);
-    };
-    for (std::string const& table : all_tables()) {
-        std::string const rows = count(table, false);
-        std::string const entries = count(table, true);
-        if (rows != entries)
-            problem("table " + table + " has " + rows + " rows, and its index " + entries);
+    check_index("big_class", "position", problem);
+    for (STORED_CLASS const& stored : m_classes) {
+        check_index(stored.table, "name", problem);
+        check_index(stored.table + "_array", "name", problem);
+        check_index(stored.table + "_chunk", "array_id", problem);
+        for (STORED_MEMBER const& member : stored.members)
+            if (member.type == MEMBER_TYPE::DOUBLE)
+                check_readable(stored, member, problem);
     }
-
-    for (STORED_CLASS const& stored : m_classes)
-        for (STORED_MEMBER const& member : stored.members) {
-            if (member.type != MEMBER_TYPE::DOUBLE)
-                continue;
-            ROWS const wrong = m_connection.run(
-                "SELECT name FROM " + in_schema(stored.table) + " WHERE float8send("
-                    + in_quotes(readable_column(member)) + ") <> " + in_quotes(member.column),
-                {});
-            for (int row = 0; row < wrong.size(); ++row)
-                problem("column " + readable_column(member) + " of what "
-                        + shown(wrong.bytes(row, 0)) + " holds is not the number in "
-                        + member.column);
-        }
-
     if (m_classes.empty())
         return;
     ROWS const twice =
