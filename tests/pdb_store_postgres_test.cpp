@@ -98,6 +98,21 @@ void count_up(PDB_STORE& store, std::string const& name = "counter") {
     store.put(name, BIG_TIME(value.get_time_value() + 1, BIG_TIME::UNIT_PS));
 }
 
+/// Runs work in threads of their own, which are told apart by their numbers.
+void in_threads(int count, std::function<void(int)> const& work) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < count; ++i)
+        threads.emplace_back([&work, i] {
+            try {
+                work(i);
+            } catch (std::exception const& error) {
+                ADD_FAILURE() << "thread " << i << ": " << error.what();
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
 BIG_TIME picoseconds(long long value) {
     return BIG_TIME(value, BIG_TIME::UNIT_PS);
 }
@@ -183,14 +198,10 @@ TEST_F(PdbStorePostgres, AnEmptySchemaOrNoneIsNoStore) {
 }
 
 TEST_F(PdbStorePostgres, SeveralThatMakeAStoreAtATimeMakeOne) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([&, i] {
-            PDB_STORE store(address());
-            store.put("name " + std::to_string(i), picoseconds(i));
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    in_threads(4, [&](int i) {
+        PDB_STORE store(address());
+        store.put("name " + std::to_string(i), picoseconds(i));
+    });
     EXPECT_EQ(ask("SELECT count(*) FROM big_store"), "1");
     EXPECT_EQ(ask("SELECT count(*) FROM \"BIG_TIME\""), "4");
 }
@@ -519,18 +530,14 @@ TEST_F(PdbStorePostgres, NothingIsLeftOfTransactionsThatEndedWell) {
 TEST_F(PdbStorePostgres, ThreadsThatCountLoseNothing) {
     constexpr int THREADS = 4;
     constexpr int ROUNDS = 20;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < THREADS; ++i)
-        threads.emplace_back([&] {
-            PDB_STORE store(address());
-            for (int round = 0; round < ROUNDS; ++round)
-                store.transaction([&] {
-                    count_up(store, "one");
-                    count_up(store, "two");
-                });
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    in_threads(THREADS, [&](int) {
+        PDB_STORE store(address());
+        for (int round = 0; round < ROUNDS; ++round)
+            store.transaction([&] {
+                count_up(store, "one");
+                count_up(store, "two");
+            });
+    });
     EXPECT_EQ(counter("one"), THREADS * ROUNDS);
     EXPECT_EQ(counter("two"), THREADS * ROUNDS);
 }
@@ -562,24 +569,25 @@ TEST_F(PdbStorePostgres, ProcessesThatCountLoseNothing) {
 }
 
 TEST_F(PdbStorePostgres, WhoSavesManyIsNotInterruptedByOthers) {
-    PDB_STORE store(address());
-    store.put("clock", BIG_FREQUENCY(1000));
+    PDB_STORE(address()).put("clock", BIG_FREQUENCY(1000));
     std::atomic<bool> ends = false;
-    std::thread other([&] {
-        PDB_STORE beside(address());
-        for (int i = 0; !ends; ++i)
-            beside.put("many " + std::to_string(i % 100), BIG_FREQUENCY(i));
+    in_threads(2, [&](int thread) {
+        PDB_STORE store(address());
+        if (thread == 0) {
+            for (int i = 1; !ends; ++i)
+                store.put("many " + std::to_string(i % 100), BIG_FREQUENCY(i));
+            return;
+        }
+        for (int round = 0; round < 3; ++round) {
+            int count = 0;
+            EXPECT_NO_THROW(store.put_each<BIG_TIME>([&](std::string& name, BIG_TIME& value) {
+                name = "many values " + std::to_string(count);
+                value = picoseconds(count);
+                return count++ < 2500;
+            }));
+        }
+        ends = true;
     });
-    for (int round = 0; round < 3; ++round) {
-        int count = 0;
-        EXPECT_NO_THROW(store.put_each<BIG_TIME>([&](std::string& name, BIG_TIME& value) {
-            name = "many values " + std::to_string(count);
-            value = picoseconds(count);
-            return count++ < 2500;
-        }));
-    }
-    ends = true;
-    other.join();
     EXPECT_EQ(ask("SELECT count(*) FROM \"BIG_TIME\""), "2500");
 }
 
