@@ -5,10 +5,10 @@
 //     value   = "value" NAME cells
 //     array   = "array" NAME COUNT (cells, one line for each element)...
 //
-// Each of these stands on a line of its own; blanks separate its fields. NAME is as quoted() writes
-// it and MEMBERS as members_text() does. Integers are decimal. A double is 0x and its bits in 16
-// hexadecimal digits, ID 0x and 8 digits, CHECKSUM 16 digits. The last line counts the names; its
-// CHECKSUM is that of all lines in front of it with their line feeds, and may be left out.
+// Each of these stands on a line of its own; blanks separate its fields. NAME is as quoted_bytes()
+// writes it and MEMBERS as members_text() does. Integers are decimal. A double is 0x and its bits
+// in 16 hexadecimal digits, ID 0x and 8 digits, CHECKSUM 16 digits. The last line counts the names;
+// its CHECKSUM is that of all lines in front of it with their line feeds, and may be left out.
 
 #include "mem_sys.h"
 #include "store_state.h"
@@ -84,7 +84,7 @@ private:
     void write_class(STORED_CLASS const& stored) {
         append_hexadecimal(line() += "class 0x", stored.id, 8);
         append_decimal(m_line += ' ', stored.size);
-        m_line += ' ' + quoted(stored.name) + ' ' + members_text(stored);
+        m_line += ' ' + quoted_bytes(stored.name) + ' ' + members_text(stored);
         end_line();
     }
 
@@ -95,7 +95,7 @@ private:
             from.table->read_values(range, ROWS_AT_A_TIME, batch);
             for (std::size_t row = 0; row < batch.size(); ++row) {
                 m_state.verify(from, batch, row);
-                line() += "value " + quoted(batch.name(row));
+                line() += "value " + quoted_bytes(batch.name(row));
                 add_cells(from.stored, batch.cells(row));
                 end_line();
                 ++m_names;
@@ -111,7 +111,8 @@ private:
             from.table->read_arrays(range, ROWS_AT_A_TIME, arrays);
             for (CLASS_TABLE::NAMED_ARRAY const& array : arrays) {
                 m_state.verify(from, array.name, array.head);
-                append_decimal(line() += "array " + quoted(array.name) + ' ', array.head.count);
+                append_decimal(line() += "array " + quoted_bytes(array.name) + ' ',
+                               array.head.count);
                 end_line();
                 write_elements(from, array);
                 ++m_names;
@@ -155,7 +156,7 @@ public:
     /// @return the number of names
     unsigned long long run() {
         if (!next_line() || m_line != FIRST_LINE)
-            refuse("expected " + quoted(FIRST_LINE));
+            refuse("expected " + quoted_bytes(FIRST_LINE));
         for (;;) {
             std::uint64_t const checksum = m_checksum.value(); // of the lines in front of the next
             if (!next_line())

@@ -168,7 +168,8 @@ public:
     /// What a name holds; nothing when it is free.
     virtual std::optional<HOLDER> find(std::string_view name) = 0;
 
-    /// Checks what the engine keeps beside the records: pages, indexes. Tells each problem.
+    /// Checks what the engine keeps beside the records: pages, indexes, and that no name holds two
+    /// things. Tells each problem.
     virtual void check(std::function<void(std::string const&)> const& problem) = 0;
 };
 

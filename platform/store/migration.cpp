@@ -234,8 +234,10 @@ void make_copy(SQLITE_DATABASE& original, std::vector<STORED_CLASS> const& class
 /// Reads the original again and compares the copy with it, as it is in its file.
 void compare_copy(SQLITE_DATABASE& original, std::vector<STORED_CLASS> const& classes,
                   std::string const& copy_path, PDB_STORE_OPTIONS const& options) {
-    auto const engine = engine_over(std::make_unique<SQLITE_DATABASE>(
-        copy_path, original.shown_as(), SQLITE_OPEN_READONLY, options, true));
+    auto copy = std::make_unique<SQLITE_DATABASE>(copy_path, original.shown_as(),
+                                                  SQLITE_OPEN_READONLY, options, true);
+    copy->set_up();
+    auto const engine = engine_over(std::move(copy));
     engine->begin(false, false);
     engine->check([&](std::string const& problem) {
         original.fail(PDB_STORE_ERROR::DAMAGED,
@@ -251,6 +253,7 @@ void compare_copy(SQLITE_DATABASE& original, std::vector<STORED_CLASS> const& cl
 void migrate_from_format_1(std::string const& path, std::string const& shown_as,
                            PDB_STORE_OPTIONS const& options, CLASS_CHECK const& check) {
     SQLITE_DATABASE original(path, shown_as, SQLITE_OPEN_READWRITE, options, false);
+    original.set_up();
     // Nobody else reads or writes until the copy has taken its place.
     original.run("BEGIN EXCLUSIVE");
     if (original.has_moved())

@@ -147,6 +147,7 @@ public:
     // The object of the class itself opens the outermost record. One within it is a member, or a
     // base, whose members stand behind its name.
     void begin_object(PDB_THUNK_INFO const* record, void*) override {
+        m_has_begun = true;
         m_prefixes.push_back(m_prefix);
         if (m_prefixes.size() > 1)
             m_prefix += (m_item_name ? m_item_name : readable_name(record->m_type)) + '.';
@@ -163,7 +164,7 @@ public:
     }
 
     /// Whether every object that was opened was closed, and no member stood outside.
-    bool is_whole() const { return m_is_whole && m_prefixes.empty(); }
+    bool is_whole() const { return m_is_whole && m_has_begun && m_prefixes.empty(); }
 
 private:
     void add(MEMBER_TYPE type) {
@@ -175,6 +176,7 @@ private:
     std::vector<STORED_MEMBER>& m_members;
     std::vector<std::string> m_prefixes; ///< of the objects around the one that is open
     std::string m_prefix;
+    bool m_has_begun = false;
     bool m_is_whole = true;
 };
 
@@ -299,7 +301,7 @@ std::string difference(STORED_CLASS const& there, STORED_CLASS const& here, std:
 // Text
 // ------------------------------------------------------------------------------------------------
 
-std::string quoted(std::string_view bytes) {
+std::string quoted_bytes(std::string_view bytes) {
     std::string text = "\"";
     for (char const c : bytes) {
         auto const byte = static_cast<unsigned char>(c);
@@ -318,7 +320,7 @@ std::string quoted(std::string_view bytes) {
 
 namespace {
 
-/// The value of a digit as quoted() writes it; 16 for any other character.
+/// The value of a digit as quoted_bytes() writes it; 16 for any other character.
 unsigned digit(char c) {
     return c >= '0' && c <= '9'   ? static_cast<unsigned>(c - '0')
            : c >= 'A' && c <= 'F' ? static_cast<unsigned>(c - 'A' + 10)
@@ -359,7 +361,7 @@ bool take_quoted(std::string_view& text, std::string& bytes) {
 
 std::string shown(std::string_view name) {
     constexpr std::size_t LONGEST = 100;
-    std::string text = quoted(name.substr(0, LONGEST));
+    std::string text = quoted_bytes(name.substr(0, LONGEST));
     if (name.size() > LONGEST)
         text.insert(text.size() - 1, "...");
     return text;
@@ -369,7 +371,7 @@ std::string members_text(STORED_CLASS const& stored) {
     std::string text;
     for (STORED_MEMBER const& member : stored.members) {
         text += text.empty() ? "" : ", ";
-        text += quoted(member.name) + ' ';
+        text += quoted_bytes(member.name) + ' ';
         text += type_name(member.type);
     }
     return text;

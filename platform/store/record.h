@@ -66,18 +66,18 @@ bool describe(PDB_THUNK_INFO const& record, STORED_CLASS& stored);
 /// @param member receives the name of the member that differs, "" when it is the size or the number
 std::string difference(STORED_CLASS const& there, STORED_CLASS const& here, std::string& member);
 
-/// The members as text: `"m_value" int64, "m_unit" int32`, with names as quoted() writes them.
+/// The members as text: `"m_value" int64, "m_unit" int32`, with names as quoted_bytes() writes them.
 std::string members_text(STORED_CLASS const& stored);
 /// The inverse, for texts of members_text() alone. Returns false for any other.
 bool read_members(std::string_view text, std::vector<STORED_MEMBER>& members);
 
 /// Bytes between quotation marks, as ASCII: what is not printable is written as \x1B, a quotation
 /// mark as \" and a backslash as \\.
-std::string quoted(std::string_view bytes);
-/// Takes a text of quoted() from the front of another. Returns false, and takes nothing, when there
+std::string quoted_bytes(std::string_view bytes);
+/// Takes a text of quoted_bytes() from the front of another. Returns false, and takes nothing, when there
 /// is none.
 bool take_quoted(std::string_view& text, std::string& bytes);
-/// A name for a message: quoted(), cut at 100 bytes.
+/// A name for a message: quoted_bytes(), cut at 100 bytes.
 std::string shown(std::string_view name);
 
 /// Copies an object's members into cells. Returns false when the serializer did not transfer just

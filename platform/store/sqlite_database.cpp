@@ -32,8 +32,6 @@ SQLITE_DATABASE::SQLITE_DATABASE(std::string const& path, std::string const& sho
         check(sqlite3_db_config(m_handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
         check(sqlite3_db_config(m_handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr));
         check(sqlite3_db_config(m_handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr));
-        // A commit is the removal of the journal, and EXTRA brings that to the disk too.
-        run("PRAGMA synchronous=EXTRA; PRAGMA cell_size_check=ON; PRAGMA cache_size=-32768");
     } catch (...) {
         sqlite3_close_v2(m_handle);
         throw;
@@ -60,6 +58,11 @@ int SQLITE_DATABASE::wait_for_others(void* database, int calls) {
     std::this_thread::sleep_for(
         std::min<std::chrono::steady_clock::duration>(pause, self.m_deadline - now));
     return 1;
+}
+
+void SQLITE_DATABASE::set_up() {
+    // A commit is the removal of the journal, and EXTRA brings that to the disk too.
+    run("PRAGMA synchronous=EXTRA; PRAGMA cell_size_check=ON; PRAGMA cache_size=-32768");
 }
 
 void SQLITE_DATABASE::run(std::string const& statements) {

@@ -17,7 +17,7 @@
 
 class SQLITE_DATABASE {
 public:
-    /// Opens a database file.
+    /// Opens a database file, of which nothing is read yet.
     ///
     /// @param path     absolute
     /// @param shown_as what messages call it
@@ -31,6 +31,10 @@ public:
 
     sqlite3* handle() const { return m_handle; }
     std::string const& shown_as() const { return m_shown_as; }
+
+    /// Sets how the file is read and written, for which SQLite reads it. A journal that a program
+    /// left there when it ended is rolled back then.
+    void set_up();
 
     /// Runs statements without results.
     void run(std::string const& statements);

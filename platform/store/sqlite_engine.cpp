@@ -271,6 +271,7 @@ private:
     STATEMENT m_classes;
     STATEMENT m_add_class;
     std::vector<std::unique_ptr<KNOWN_CLASS>> m_known;
+    bool m_writes = false;        ///< the transaction at hand
     bool m_knows_classes = false; ///< all of them, in the transaction at hand
 };
 
@@ -492,6 +493,7 @@ SQLITE_ENGINE::SQLITE_ENGINE(std::unique_ptr<SQLITE_DATABASE> database)
 
 void SQLITE_ENGINE::begin(bool writes, bool /*alone: who writes is*/) {
     (writes ? m_begin_to_write : m_begin).run();
+    m_writes = writes;
     m_knows_classes = false;
     for (auto const& known : m_known) {
         known->has_values.reset();
@@ -500,6 +502,10 @@ void SQLITE_ENGINE::begin(bool writes, bool /*alone: who writes is*/) {
 }
 
 void SQLITE_ENGINE::commit() {
+    // SQLite ends a transaction by itself after some failures, which a reader need not mind.
+    bool const has_ended = sqlite3_get_autocommit(m_database->handle()) != 0;
+    if (has_ended && !m_writes)
+        return;
     try {
         m_commit.run();
     } catch (...) {
@@ -604,6 +610,18 @@ void SQLITE_ENGINE::check(std::function<void(std::string const&)> const& problem
         if (text != "ok")
             problem(text);
     }
+
+    std::string names;
+    for (STORED_CLASS const& stored : classes())
+        for (std::string const& table : {stored.table, stored.table + "_array"})
+            names +=
+                (names.empty() ? "" : " UNION ALL ") + ("SELECT name FROM " + in_quotes(table));
+    if (names.empty())
+        return;
+    STATEMENT doubled(*m_database,
+                      "SELECT name FROM (" + names + ") GROUP BY name HAVING count(*) > 1");
+    while (doubled.next())
+        problem("the name " + shown(doubled.bytes(0)) + " holds two things");
 }
 
 } // namespace
@@ -628,6 +646,7 @@ std::unique_ptr<SQLITE_DATABASE> make_store_file(std::string const& path,
     int reserved = CHECKED_PAGES::RESERVED_BYTES;
     database->check(
         sqlite3_file_control(database->handle(), "main", SQLITE_FCNTL_RESERVE_BYTES, &reserved));
+    database->set_up();
     database->run("PRAGMA page_size=4096; PRAGMA auto_vacuum=NONE; PRAGMA encoding='UTF-8'");
     database->run("BEGIN IMMEDIATE; PRAGMA application_id=" + std::to_string(STORE_APPLICATION_ID)
                   + "; PRAGMA user_version=" + std::to_string(STORE_FORMAT) + ';' + CREATE_DIRECTORY
@@ -776,6 +795,7 @@ std::unique_ptr<ENGINE> open_sqlite(std::string const& path, PDB_STORE_OPTIONS c
             continue;
         }
 
+        database->set_up();
         auto engine = engine_over(std::move(database));
         engine->begin(false, false);
         check(engine->classes());

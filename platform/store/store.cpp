@@ -53,7 +53,8 @@ std::unique_ptr<ENGINE> open_engine(std::string const& address, std::string cons
         throw PDB_STORE_ERROR(PDB_STORE_ERROR::BAD_ADDRESS, shown_as, text);
     };
     if (address.empty() || address.find('\0') != std::string::npos)
-        refuse("the address is empty or holds a NUL byte");
+        throw PDB_STORE_ERROR(PDB_STORE_ERROR::BAD_ADDRESS, shown(address),
+                              "the address is empty or holds a NUL byte");
     std::string_view const scheme = scheme_of(address);
     if (scheme.empty())
         return open_sqlite(address, options, check);
@@ -88,6 +89,11 @@ PDB_STORE_STATE::~PDB_STORE_STATE() {
 void PDB_STORE_STATE::fail(PDB_STORE_ERROR::KIND kind, std::string const& text,
                            std::string const& class_name, std::string const& member) const {
     throw PDB_STORE_ERROR(kind, m_address, text).about(class_name, member);
+}
+
+void PDB_STORE_STATE::require_no_transaction() const {
+    if (m_transaction != NONE)
+        fail(PDB_STORE_ERROR::MISUSE, "a transaction is open already");
 }
 
 void PDB_STORE_STATE::require_usable(bool writes) const {
@@ -132,8 +138,7 @@ void PDB_STORE_STATE::note(PDB_STORE_ERROR const& error, EFFECT effect) {
 // ------------------------------------------------------------------------------------------------
 
 void PDB_STORE_STATE::begin(bool writes, bool alone) {
-    if (m_transaction != NONE)
-        fail(PDB_STORE_ERROR::MISUSE, "a transaction is open already");
+    require_no_transaction();
     require_usable(writes);
     m_transaction = writes ? WRITING : READING;
     try {
@@ -893,7 +898,6 @@ private:
             of.table->read_values(range, BATCH_SIZE, batch);
             for (std::size_t row = 0; row < batch.size(); ++row) {
                 attempt([&] { m_state.verify(of, batch, row); });
-                check_name(batch.name(row), {of.stored.id, false});
                 count_record();
                 go_behind(range, batch.name(row));
             }
@@ -907,7 +911,6 @@ private:
             of.table->read_arrays(range, BATCH_SIZE, arrays);
             for (CLASS_TABLE::NAMED_ARRAY const& array : arrays) {
                 attempt([&] { check_array(of, array); });
-                check_name(array.name, {of.stored.id, true});
                 go_behind(range, array.name);
             }
         } while (arrays.size() == BATCH_SIZE);
@@ -922,13 +925,6 @@ private:
             count_record();
         }
         count_record();
-    }
-
-    /// A name that is listed is also found, and holds one thing.
-    void check_name(std::string_view name, HOLDER const& listed) {
-        auto const found = m_state.engine().find(name);
-        if (!found || found->class_id != listed.class_id || found->is_array != listed.is_array)
-            tell("the name " + shown(name) + (found ? " holds two things" : " is not found"));
     }
 
     PDB_STORE_STATE& m_state;

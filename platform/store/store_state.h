@@ -84,9 +84,10 @@ public:
     /// Runs work in a transaction of its own, and again when another came between.
     template <typename WORK>
     void run_alone(bool writes, int most_attempts, WORK const& work) {
+        require_no_transaction();
         for (int attempt = 1;; ++attempt) {
-            begin(writes, most_attempts == 1 || attempt > LOSES_BEFORE_ALONE);
             try {
+                begin(writes, most_attempts == 1 || attempt > LOSES_BEFORE_ALONE);
                 work();
                 commit();
                 return;
@@ -159,6 +160,7 @@ public:
 private:
     enum TRANSACTION { NONE, READING, WRITING };
 
+    void require_no_transaction() const;
     void require_usable(bool writes) const;
     void note(PDB_STORE_ERROR const& error, EFFECT effect);
     /// Remembers an error of a transaction that writes after which nobody knows what is on the
