@@ -1108,7 +1108,7 @@ TEST_P(PdbStore, ADumpThatIsCutOrChangedAnywhereIsRefused) {
             EXPECT_THROW(load_text(store, text.substr(0, i)), PDB_STORE_ERROR) << i;
         }
         std::string changed = text;
-        changed[i] = static_cast<char>(changed[i] ^ (1 + random() % 255));
+        changed[i] = static_cast<char>(changed[i] ^ static_cast<char>(1 + random() % 255));
         EXPECT_THROW(load_text(store, changed), PDB_STORE_ERROR) << i;
     }
     EXPECT_EQ(dump_of(store), text);
