@@ -98,6 +98,21 @@ void count_up(PDB_STORE& store, std::string const& name = "counter") {
     store.put(name, BIG_TIME(value.get_time_value() + 1, BIG_TIME::UNIT_PS));
 }
 
+/// Runs work in threads of their own, which are told apart by their numbers.
+void in_threads(int count, std::function<void(int)> const& work) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < count; ++i)
+        threads.emplace_back([&work, i] {
+            try {
+                work(i);
+            } catch (std::exception const& error) {
+                ADD_FAILURE() << "thread " << i << ": " << error.what();
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
 BIG_TIME picoseconds(long long value) {
     return BIG_TIME(value, BIG_TIME::UNIT_PS);
 }
@@ -183,14 +198,10 @@ TEST_F(PdbStorePostgres, AnEmptySchemaOrNoneIsNoStore) {
 }
 
 TEST_F(PdbStorePostgres, SeveralThatMakeAStoreAtATimeMakeOne) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([&, i] {
-            PDB_STORE store(address());
-            store.put("name " + std::to_string(i), picoseconds(i));
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    in_threads(4, [&](int i) {
+        PDB_STORE store(address());
+        store.put("name " + std::to_string(i), picoseconds(i));
+    });
     EXPECT_EQ(ask("SELECT count(*) FROM big_store"), "1");
     EXPECT_EQ(ask("SELECT count(*) FROM \"BIG_TIME\""), "4");
 }
@@ -229,6 +240,17 @@ TEST_F(PdbStorePostgres, NoMessageHoldsThePassword) {
         EXPECT_EQ(failure.text.find("hush"), std::string::npos) << failure.text;
         EXPECT_EQ(failure.text.find('\n'), std::string::npos) << failure.text;
     }
+}
+
+TEST_F(PdbStorePostgres, ASchemaMayHaveAnyName) {
+    m_server.ask("CREATE SCHEMA \"it's a \"\"test\"\"\"");
+    PDB_STORE store(m_server.address("%22it's%5C%20a%5C%20%22%22test%22%22%22"));
+    BIG_TIME const times[] = {picoseconds(1), picoseconds(2)};
+    store.put_array("times", times, 2);
+    std::vector<BIG_TIME> elements;
+    EXPECT_TRUE(store.get_array("times", elements));
+    EXPECT_EQ(elements.size(), 2u);
+    EXPECT_EQ(m_server.ask("SELECT count(*) FROM \"it's a \"\"test\"\"\".big_class"), "1");
 }
 
 TEST_F(PdbStorePostgres, TheAddressOfAStoreDoesNotTellThePassword) {
@@ -388,6 +410,24 @@ TEST_F(PdbStorePostgres, ATransactionThatIsOpenedByHandIsNotAppliedWhenItsSessio
     EXPECT_EQ(counter(), 8);
 }
 
+TEST_F(PdbStorePostgres, ADumpThatIsInterruptedIsNotBegunAgain) {
+    PDB_STORE store(address());
+    int count = 0;
+    store.put_each<BIG_TIME>([&](std::string& name, BIG_TIME&) {
+        name = std::to_string(count);
+        return count++ < 1500;
+    });
+    int lines = 0;
+    FAILURE const failure = failure_of([&] {
+        store.dump([&](std::string_view) {
+            if (lines++ == 10)
+                kill_sessions();
+        });
+    });
+    EXPECT_EQ(failure.kind, KIND::CONFLICT) << failure.text;
+    EXPECT_LT(lines, 1500);
+}
+
 TEST_F(PdbStorePostgres, ATransactionWhoseCommitHasNoAnswerIsAppliedOnce) {
     CUTTING_FORWARDER forwarder(m_server.port());
     PDB_STORE store(address_through(forwarder));
@@ -471,8 +511,8 @@ TEST_F(PdbStorePostgres, WhatCannotBeFoundOutIsSaidAndEndsTheHandle) {
 TEST_F(PdbStorePostgres, NothingIsLeftOfTransactionsThatEndedWell) {
     {
         PDB_STORE store(address());
-        for (int i = 0; i < 5; ++i)
-            count_up(store);
+        for (int i = 0; i < 105; ++i) // which takes a hundred of them away
+            store.put("a", picoseconds(i));
         EXPECT_EQ(ask("SELECT count(*) FROM big_commit"), "5");
     }
     EXPECT_EQ(ask("SELECT count(*) FROM big_commit"), "0");
@@ -490,18 +530,14 @@ TEST_F(PdbStorePostgres, NothingIsLeftOfTransactionsThatEndedWell) {
 TEST_F(PdbStorePostgres, ThreadsThatCountLoseNothing) {
     constexpr int THREADS = 4;
     constexpr int ROUNDS = 20;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < THREADS; ++i)
-        threads.emplace_back([&] {
-            PDB_STORE store(address());
-            for (int round = 0; round < ROUNDS; ++round)
-                store.transaction([&] {
-                    count_up(store, "one");
-                    count_up(store, "two");
-                });
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    in_threads(THREADS, [&](int) {
+        PDB_STORE store(address());
+        for (int round = 0; round < ROUNDS; ++round)
+            store.transaction([&] {
+                count_up(store, "one");
+                count_up(store, "two");
+            });
+    });
     EXPECT_EQ(counter("one"), THREADS * ROUNDS);
     EXPECT_EQ(counter("two"), THREADS * ROUNDS);
 }
@@ -533,24 +569,25 @@ TEST_F(PdbStorePostgres, ProcessesThatCountLoseNothing) {
 }
 
 TEST_F(PdbStorePostgres, WhoSavesManyIsNotInterruptedByOthers) {
-    PDB_STORE store(address());
-    store.put("clock", BIG_FREQUENCY(1000));
+    PDB_STORE(address()).put("clock", BIG_FREQUENCY(1000));
     std::atomic<bool> ends = false;
-    std::thread other([&] {
-        PDB_STORE beside(address());
-        for (int i = 0; !ends; ++i)
-            beside.put("many " + std::to_string(i % 100), BIG_FREQUENCY(i));
+    in_threads(2, [&](int thread) {
+        PDB_STORE store(address());
+        if (thread == 0) {
+            for (int i = 1; !ends; ++i)
+                store.put("many " + std::to_string(i % 100), BIG_FREQUENCY(i));
+            return;
+        }
+        for (int round = 0; round < 3; ++round) {
+            int count = 0;
+            EXPECT_NO_THROW(store.put_each<BIG_TIME>([&](std::string& name, BIG_TIME& value) {
+                name = "many values " + std::to_string(count);
+                value = picoseconds(count);
+                return count++ < 2500;
+            }));
+        }
+        ends = true;
     });
-    for (int round = 0; round < 3; ++round) {
-        int count = 0;
-        EXPECT_NO_THROW(store.put_each<BIG_TIME>([&](std::string& name, BIG_TIME& value) {
-            name = "many values " + std::to_string(count);
-            value = picoseconds(count);
-            return count++ < 2500;
-        }));
-    }
-    ends = true;
-    other.join();
     EXPECT_EQ(ask("SELECT count(*) FROM \"BIG_TIME\""), "2500");
 }
 

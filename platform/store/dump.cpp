@@ -352,7 +352,7 @@ private:
 } // namespace
 
 void PDB_STORE::dump(std::function<void(std::string_view line)> const& write) {
-    m_state->run(PDB_STORE_STATE::READS, [&] { DUMP_WRITER(*m_state, write).run(); });
+    m_state->run(PDB_STORE_STATE::TELLS, [&] { DUMP_WRITER(*m_state, write).run(); });
 }
 
 unsigned long long PDB_STORE::load(std::function<bool(std::string& line)> const& read_line) {

@@ -148,8 +148,8 @@ public:
 
     /// Opens a transaction. None is open.
     ///
-    /// @param alone nobody else writes until it ends; for work that cannot be run again, or that
-    ///              lost against others several times
+    /// @param alone for work that cannot be run again, or that lost against others several times:
+    ///              what others do is no CONFLICT for it. When it writes, nobody else does.
     virtual void begin(bool writes, bool alone) = 0;
     /// Ends it. When it throws, the transaction is over and was not applied. An engine that loses
     /// its answer finds out, or throws SYSTEM with a text that says that it is not known.

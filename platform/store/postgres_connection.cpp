@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <new>
 #include <thread>
 
@@ -105,7 +106,7 @@ std::string on_one_line(std::string_view message) {
 }
 
 struct STATE_ROW {
-    std::string_view state; ///< an SQLSTATE, or the class in front of it
+    std::string_view state; ///< an SQLSTATE
     PDB_STORE_ERROR::KIND kind;
 };
 
@@ -187,10 +188,25 @@ void refuse_malformed(std::string const& address, std::string const& shown_as) {
             "of libpq; all but the first word may be missing");
 }
 
-/// The seconds that libpq waits for a connection: two at least.
-std::string connect_timeout(std::chrono::milliseconds wait) {
-    auto const seconds = std::chrono::ceil<std::chrono::seconds>(wait).count();
-    return std::to_string(std::max<long long>(seconds, 2));
+/// What libpq is told about a connection. What the address says comes before what is named in front
+/// of it, and behind what is named behind it.
+struct LIBPQ_PARAMETERS {
+    LIBPQ_PARAMETERS(std::string const& address, std::chrono::milliseconds wait)
+        : timeout(std::to_string(
+            std::max<long long>(std::chrono::ceil<std::chrono::seconds>(wait).count(), 2))),
+          values{timeout.c_str(), "10",   "5",    "3", "30000", "big_store",
+                 address.c_str(), "UTF8", nullptr} {}
+
+    static constexpr std::array<char const*, 9> NAMES = {
+        "connect_timeout",  "keepalives_idle",  "keepalives_interval",
+        "keepalives_count", "tcp_user_timeout", "application_name",
+        "dbname",           "client_encoding",  nullptr};
+    std::string timeout; ///< seconds; libpq takes two at least
+    std::array<char const*, 9> values;
+};
+
+bool is_starting(LIBPQ_PARAMETERS const& server) {
+    return PQpingParams(server.NAMES.data(), server.values.data(), 1) == PQPING_REJECT;
 }
 
 } // namespace
@@ -198,14 +214,15 @@ std::string connect_timeout(std::chrono::milliseconds wait) {
 POSTGRES_CONNECTION::POSTGRES_CONNECTION(std::string const& address, std::string const& shown_as,
                                          PDB_STORE_OPTIONS const& options)
     : m_address(address), m_shown_as(shown_as),
-      m_wait(std::max(options.wait, std::chrono::milliseconds(1))),
+      m_wait(std::clamp(options.wait, std::chrono::milliseconds(1),
+                        std::chrono::milliseconds(std::numeric_limits<int>::max()))),
       m_reads_only(options.access == PDB_STORE_OPTIONS::READ) {
     refuse_malformed(address, shown_as);
     // A server that starts is waited for; what else is wrong stays wrong.
     auto const deadline = std::chrono::steady_clock::now() + m_wait;
     std::string reason = connect();
-    while (!reason.empty() && PQping(address.c_str()) == PQPING_REJECT
-           && std::chrono::steady_clock::now() < deadline) {
+    while (!reason.empty() && std::chrono::steady_clock::now() < deadline
+           && is_starting({m_address, m_wait})) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         reason = connect();
     }
@@ -230,16 +247,9 @@ void POSTGRES_CONNECTION::reconnect() {
 }
 
 std::string POSTGRES_CONNECTION::connect() {
-    // What stands in the address goes before what stands in front of it.
-    std::string const timeout = connect_timeout(m_wait);
-    std::array<char const*, 9> const names = {
-        "connect_timeout",  "keepalives_idle",  "keepalives_interval",
-        "keepalives_count", "tcp_user_timeout", "application_name",
-        "dbname",           "client_encoding",  nullptr};
-    std::array<char const*, 9> const values = {
-        timeout.c_str(), "10", "5", "3", "30000", "big_store", m_address.c_str(), "UTF8", nullptr};
+    LIBPQ_PARAMETERS const server(m_address, m_wait);
     m_prepared.clear();
-    m_connection.reset(PQconnectdbParams(names.data(), values.data(), 1));
+    m_connection.reset(PQconnectdbParams(server.NAMES.data(), server.values.data(), 1));
     if (m_connection == nullptr)
         throw std::bad_alloc();
     if (PQstatus(m_connection.get()) != CONNECTION_OK) {
@@ -249,7 +259,13 @@ std::string POSTGRES_CONNECTION::connect() {
     }
     PQsetNoticeProcessor(
         m_connection.get(), [](void*, char const*) {}, nullptr);
-    set_up();
+    try {
+        set_up();
+    } catch (PDB_STORE_ERROR const& error) {
+        if (!is_lost())
+            throw;
+        return error.what();
+    }
     return "";
 }
 

@@ -123,8 +123,6 @@ public:
                                STORED_CLASS const* but_values_of) const;
     /// Differs when the classes, and so the tables that hold names, have changed.
     unsigned directory_version() const { return m_directory_version; }
-    /// Differs in every transaction.
-    std::uint64_t transaction() const { return m_transaction; }
 
 private:
     bool is_there();
@@ -142,15 +140,18 @@ private:
     std::string view_of_values(STORED_CLASS const& stored) const;
     std::string view_of_elements(STORED_CLASS const& stored) const;
     void create_view(std::string const& name, std::string const& query);
-    std::vector<std::string> all_tables() const;
+    void check_index(std::string const& table, std::string const& column,
+                     std::function<void(std::string const&)> const& problem);
+    void check_readable(STORED_CLASS const& stored, STORED_MEMBER const& member,
+                        std::function<void(std::string const&)> const& problem);
 
     POSTGRES_CONNECTION m_connection;
     std::string m_schema;
     std::string m_id;      ///< the store's
     std::string m_session; ///< this handle's name in big_commit
     std::uint64_t m_transaction = 0;
-    bool m_writes = false;   ///< the transaction at hand
-    bool m_has_rows = false; ///< in big_commit
+    bool m_writes = false; ///< the transaction at hand
+    int m_commit_rows = 0; ///< in big_commit, at most
     std::vector<STORED_CLASS> m_classes;
     std::string m_class_count; ///< as the directory had it; empty when m_classes is outdated
     unsigned m_directory_version = 0;
@@ -193,22 +194,20 @@ private:
     void read_cells(ROWS const& rows, int row, int first, CELL* cells) const;
     ROWS read_range(std::string const& columns, std::string const& table, NAME_RANGE const& range,
                     std::size_t limit);
-    std::optional<REFUSAL> find_refusal(VALUE_BATCH const& batch);
+    std::optional<REFUSAL> clear_names(VALUE_BATCH const& batch);
 
     POSTGRES_ENGINE& m_engine;
     STORED_CLASS const m_stored;
     std::string const m_values; ///< the tables
     std::string const m_arrays;
     std::string const m_chunks;
-    std::string const m_incoming; ///< a temporary table of values
-    std::string m_columns;        ///< of the values
-    std::string m_replace;        ///< the end of an INSERT of values
+    std::string m_columns; ///< of the values
+    std::string m_replace; ///< the end of an INSERT of values
 
-    std::uint64_t m_incoming_made_in = 0; ///< a transaction
     // Statements in which all classes of the store are named, as of a version of the directory
     unsigned m_holders_version = 0;
     std::string m_put_value;
-    std::string m_find_refusals;
+    std::string m_clear_names;
     std::string m_put_array;
 };
 
@@ -216,7 +215,6 @@ POSTGRES_TABLE::POSTGRES_TABLE(POSTGRES_ENGINE& engine, STORED_CLASS const& stor
     : m_engine(engine), m_stored(stored), m_values(engine.in_schema(stored.table)),
       m_arrays(engine.in_schema(stored.table + "_array")),
       m_chunks(engine.in_schema(stored.table + "_chunk")),
-      m_incoming("pg_temp." + in_quotes(stored.table)),
       m_replace("ON CONFLICT (name) DO UPDATE SET ") {
     for (COLUMN const& column : value_columns(stored)) {
         m_columns += (m_columns.empty() ? "" : ", ") + column.name;
@@ -246,7 +244,8 @@ void POSTGRES_TABLE::name_holders() {
     m_put_array =
         insert(m_engine.select_holders("= $1", nullptr), m_arrays + " (name, id, count, checksum)",
                "$1::bytea, $2::bigint, $3::bigint, $4::bigint", "");
-    m_find_refusals = m_engine.select_holders("= ANY ($1)", &m_stored);
+    m_clear_names = "WITH cleared AS (DELETE FROM " + m_values + " WHERE name = ANY ($1)) "
+                    + m_engine.select_holders("= ANY ($1)", &m_stored);
     m_holders_version = m_engine.directory_version();
 }
 
@@ -266,13 +265,14 @@ std::optional<HOLDER> POSTGRES_TABLE::put_value(std::string_view name, CELL cons
     return first_holder(run(m_put_value, fields));
 }
 
-/// The first row of a batch whose name holds something else.
-std::optional<CLASS_TABLE::REFUSAL> POSTGRES_TABLE::find_refusal(VALUE_BATCH const& batch) {
+/// Removes what the names of a batch hold of this class. Returns the first row whose name holds
+/// something else.
+std::optional<CLASS_TABLE::REFUSAL> POSTGRES_TABLE::clear_names(VALUE_BATCH const& batch) {
     name_holders();
     std::vector<std::string_view> names;
     for (std::size_t row = 0; row < batch.size(); ++row)
         names.push_back(batch.name(row));
-    ROWS const holders = run(m_find_refusals, FIELDS().add_array(names));
+    ROWS const holders = run(m_clear_names, FIELDS().add_array(names));
     std::optional<REFUSAL> first;
     for (int i = 0; i < holders.size(); ++i) {
         auto const at = std::find(names.begin(), names.end(), holders.bytes(i, 2));
@@ -287,10 +287,10 @@ std::optional<CLASS_TABLE::REFUSAL> POSTGRES_TABLE::find_refusal(VALUE_BATCH con
 std::optional<CLASS_TABLE::REFUSAL> POSTGRES_TABLE::put_values(VALUE_BATCH const& batch) {
     if (batch.size() == 0)
         return {};
-    if (auto const refusal = find_refusal(batch))
+    if (auto const refusal = clear_names(batch))
         return refusal;
 
-    // One INSERT changes a row once, so only the last of several rows with one name goes in.
+    // A name has one row, so only the last of several with one name goes in.
     std::unordered_map<std::string_view, std::size_t> last_rows;
     for (std::size_t row = 0; row < batch.size(); ++row)
         last_rows[batch.name(row)] = row;
@@ -303,16 +303,8 @@ std::optional<CLASS_TABLE::REFUSAL> POSTGRES_TABLE::put_values(VALUE_BATCH const
         rows.add(fields);
     }
 
-    POSTGRES_CONNECTION& connection = m_engine.connection();
-    if (m_incoming_made_in != m_engine.transaction()) {
-        connection.run("CREATE TEMPORARY TABLE IF NOT EXISTS " + in_quotes(m_stored.table)
-                       + " (LIKE " + m_values + ") ON COMMIT DELETE ROWS");
-        m_incoming_made_in = m_engine.transaction();
-    }
-    connection.copy("COPY " + m_incoming + " (" + m_columns + ") FROM STDIN (FORMAT binary)",
-                    rows.finish());
-    connection.run("INSERT INTO " + m_values + " (" + m_columns + ") SELECT " + m_columns + " FROM "
-                   + m_incoming + ' ' + m_replace + "; TRUNCATE " + m_incoming);
+    m_engine.connection().copy(
+        "COPY " + m_values + " (" + m_columns + ") FROM STDIN (FORMAT binary)", rows.finish());
     return {};
 }
 
@@ -569,14 +561,15 @@ void POSTGRES_ENGINE::reconnect() {
 void POSTGRES_ENGINE::begin(bool writes, bool alone) {
     constexpr int MOST_ATTEMPTS = 3; // for connections that were lost since they were used last
     for (int attempt = 1;; ++attempt) {
-        if (m_connection.is_lost())
-            reconnect();
         try {
+            if (m_connection.is_lost())
+                reconnect();
             start(writes, alone);
             return;
-        } catch (PDB_STORE_ERROR const&) {
+        } catch (PDB_STORE_ERROR const& error) {
             rollback();
-            if (!m_connection.is_lost() || attempt == MOST_ATTEMPTS)
+            if (!m_connection.is_lost() || error.kind() != PDB_STORE_ERROR::CONFLICT
+                || attempt == MOST_ATTEMPTS)
                 throw;
         }
     }
@@ -585,7 +578,10 @@ void POSTGRES_ENGINE::begin(bool writes, bool alone) {
 void POSTGRES_ENGINE::start(bool writes, bool alone) {
     m_writes = writes;
     ++m_transaction;
-    std::string statements = "BEGIN ISOLATION LEVEL SERIALIZABLE READ ";
+    // A reader that is never to be in conflict sees one moment too, though perhaps one between two
+    // transactions that a serial order has the other way round.
+    std::string statements = "BEGIN ISOLATION LEVEL ";
+    statements += alone && !writes ? "REPEATABLE READ READ " : "SERIALIZABLE READ ";
     if (writes) {
         // The lock comes first: what the transaction sees is as it is when the lock is there. All
         // who write share it, unless one of them is to be alone. Readers need none.
@@ -593,7 +589,7 @@ void POSTGRES_ENGINE::start(bool writes, bool alone) {
                       + (alone ? "SHARE ROW" : "ROW") + " EXCLUSIVE MODE; INSERT INTO "
                       + in_schema("big_commit") + " (session, number, applied) VALUES ("
                       + transaction_key() + ", true); ";
-        m_has_rows = true;
+        ++m_commit_rows;
     } else {
         statements += "ONLY; ";
     }
@@ -617,8 +613,8 @@ void POSTGRES_ENGINE::commit() {
             throw;
         }
     }
-    constexpr std::uint64_t FORGET_AFTER = 1000;
-    if (m_writes && m_transaction % FORGET_AFTER == 0)
+    constexpr int MOST_COMMIT_ROWS = 100;
+    if (m_commit_rows >= MOST_COMMIT_ROWS)
         forget_commits();
 }
 
@@ -652,12 +648,12 @@ bool POSTGRES_ENGINE::was_applied() {
 
 /// Removes the rows of transactions whose end is known.
 void POSTGRES_ENGINE::forget_commits() noexcept {
-    if (!m_has_rows || m_connection.is_lost())
+    if (m_commit_rows == 0 || m_connection.is_lost())
         return;
     try {
         m_connection.run("DELETE FROM " + in_schema("big_commit")
                          + " WHERE session = " + literal(m_session));
-        m_has_rows = false;
+        m_commit_rows = 0;
     } catch (...) {
         // They are in nobody's way, and are removed when the store is opened in a month.
     }
@@ -806,47 +802,47 @@ std::optional<HOLDER> POSTGRES_ENGINE::find(std::string_view name) {
 // Checking
 // ------------------------------------------------------------------------------------------------
 
-std::vector<std::string> POSTGRES_ENGINE::all_tables() const {
-    std::vector<std::string> tables{"big_class"};
-    for (STORED_CLASS const& stored : m_classes)
-        for (char const* const suffix : {"", "_array", "_chunk"})
-            tables.push_back(stored.table + suffix);
-    return tables;
+/// Compares the rows of a table with the entries of its index on a column.
+void POSTGRES_ENGINE::check_index(std::string const& table, std::string const& column,
+                                  std::function<void(std::string const&)> const& problem) {
+    auto const count = [&](bool by_index) {
+        std::string const on = by_index ? "on" : "off";
+        return m_connection
+            .run("SET LOCAL enable_indexscan = " + on + "; SET LOCAL enable_indexonlyscan = " + on
+                 + "; SET LOCAL enable_seqscan = " + (by_index ? "off" : "on") + "; SELECT count("
+                 + column + ") FROM " + in_schema(table))
+            .text(0, 0);
+    };
+    std::string const rows = count(false);
+    std::string const entries = count(true);
+    if (rows != entries)
+        problem("table " + table + " has " + rows + " rows, and its index " + entries);
+}
+
+/// Looks for doubles beside which another number stands.
+void POSTGRES_ENGINE::check_readable(STORED_CLASS const& stored, STORED_MEMBER const& member,
+                                     std::function<void(std::string const&)> const& problem) {
+    std::string const readable = readable_column(member);
+    ROWS const wrong =
+        m_connection.run("SELECT name FROM " + in_schema(stored.table) + " WHERE float8send("
+                             + in_quotes(readable) + ") <> " + in_quotes(member.column),
+                         {});
+    for (int row = 0; row < wrong.size(); ++row)
+        problem("column " + readable + " of what " + shown(wrong.bytes(row, 0))
+                + " holds is not the number in " + member.column);
 }
 
 void POSTGRES_ENGINE::check(std::function<void(std::string const&)> const& problem) {
     read_directory();
-
-    // Each table through its index and without.
-    auto const count = [&](std::string const& table, bool by_index) {
-        std::string const on = by_index ? "on" : "off";
-        return m_connection
-            .run("SET LOCAL enable_indexscan = " + on + "; SET LOCAL enable_indexonlyscan = " + on
-                 + "; SET LOCAL enable_seqscan = " + (by_index ? "off" : "on")
-                 + "; SELECT count(*) FROM " + in_schema(table))
-            .text(0, 0);
-    };
-    for (std::string const& table : all_tables()) {
-        std::string const rows = count(table, false);
-        std::string const entries = count(table, true);
-        if (rows != entries)
-            problem("table " + table + " has " + rows + " rows, and its index " + entries);
+    check_index("big_class", "position", problem);
+    for (STORED_CLASS const& stored : m_classes) {
+        check_index(stored.table, "name", problem);
+        check_index(stored.table + "_array", "name", problem);
+        check_index(stored.table + "_chunk", "array_id", problem);
+        for (STORED_MEMBER const& member : stored.members)
+            if (member.type == MEMBER_TYPE::DOUBLE)
+                check_readable(stored, member, problem);
     }
-
-    for (STORED_CLASS const& stored : m_classes)
-        for (STORED_MEMBER const& member : stored.members) {
-            if (member.type != MEMBER_TYPE::DOUBLE)
-                continue;
-            ROWS const wrong = m_connection.run(
-                "SELECT name FROM " + in_schema(stored.table) + " WHERE float8send("
-                    + in_quotes(readable_column(member)) + ") <> " + in_quotes(member.column),
-                {});
-            for (int row = 0; row < wrong.size(); ++row)
-                problem("column " + readable_column(member) + " of what "
-                        + shown(wrong.bytes(row, 0)) + " holds is not the number in "
-                        + member.column);
-        }
-
     if (m_classes.empty())
         return;
     ROWS const twice =

@@ -938,7 +938,7 @@ private:
 bool PDB_STORE::check(std::function<void(std::string const&)> const& problem,
                       std::function<void(unsigned long long)> const& progress) {
     bool is_good = true;
-    m_state->run(PDB_STORE_STATE::READS,
+    m_state->run(PDB_STORE_STATE::TELLS,
                  [&] { is_good = CHECK(*m_state, problem, progress).run(); });
     return is_good;
 }

@@ -54,6 +54,7 @@ public:
     /// How an operation stands to a transaction that is open around it.
     enum EFFECT {
         READS,
+        TELLS,        ///< it reads, and calls a function of the user's meanwhile
         WRITES,       ///< a refusal comes before anything is changed
         WRITES_PARTS, ///< it may be refused when a part is done; only rollback() is left then
     };
@@ -62,7 +63,8 @@ public:
     /// when another came between.
     template <typename BODY>
     void run(EFFECT effect, BODY const& body) {
-        require_usable(effect != READS);
+        bool const writes = effect == WRITES || effect == WRITES_PARTS;
+        require_usable(writes);
         if (m_transaction != NONE) {
             try {
                 body();
@@ -70,12 +72,13 @@ public:
                 note(error, effect);
                 throw;
             } catch (...) {
-                m_is_broken = m_is_broken || effect != READS;
+                m_is_broken = m_is_broken || writes;
                 throw;
             }
             return;
         }
-        run_alone(effect != READS, effect == WRITES_PARTS ? 1 : MOST_ATTEMPTS, body);
+        bool const is_repeatable = effect == READS || effect == WRITES;
+        run_alone(writes, is_repeatable ? MOST_ATTEMPTS : 1, body);
     }
 
     /// Runs work in a transaction of its own, and again when another came between.

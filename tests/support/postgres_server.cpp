@@ -244,8 +244,9 @@ POSTGRES_SERVER::~POSTGRES_SERVER() {
 
 std::string POSTGRES_SERVER::address(std::string const& schema, unsigned short port) const {
     return std::string("postgresql://") + USER + ':' + PASSWORD
-           + "@127.0.0.1:" + std::to_string(port != 0 ? port : m_port) + "/postgres"
-           + (schema.empty() ? "" : "?options=-csearch_path%3D" + schema);
+           + "@127.0.0.1:" + std::to_string(port != 0 ? port : m_port)
+           + "/postgres?connect_timeout=60" // a machine may be busy with other tests
+           + (schema.empty() ? "" : "&options=-csearch_path%3D" + schema);
 }
 
 std::string POSTGRES_SERVER::new_schema() {
