@@ -34,6 +34,10 @@ void note_failure();
 /// How often memory has been allocated with operator new.
 unsigned long long allocations();
 
+/// The number in the environment variable BIG_BENCH_ITERATIONS, which instruction counts need; else
+/// 0, and the time decides.
+long fixed_iterations();
+
 /// Inputs in memory, which are released when another comparison's turn comes: those of all of them
 /// would not fit.
 class INPUT_HOLDER {
@@ -65,7 +69,7 @@ public:
     virtual ANSWER answer(std::size_t number) = 0;
     /// Does the work for every input, and says how often memory was allocated for one.
     virtual double allocations_per_input() = 0;
-    virtual void time(benchmark::State& run) = 0;
+    virtual void time_inputs(benchmark::State& run) = 0;
 
 private:
     std::string const m_who;
@@ -100,7 +104,7 @@ public:
         return static_cast<double>(allocations() - before) / static_cast<double>(m_inputs.size());
     }
 
-    void time(benchmark::State& run) override {
+    void time_inputs(benchmark::State& run) override {
         OPERATE operate = m_operate; // where the compiler can keep it in registers
         OWN const* const begin = m_inputs.data();
         OWN const* const end = begin + m_inputs.size();
@@ -148,7 +152,7 @@ public:
             who, std::move(prepare), std::move(operate), std::move(read));
         m_panel->contestants.push_back(contestant);
         std::string const name = m_name + '/' + who;
-        benchmark::RegisterBenchmark(
+        auto* const registered = benchmark::RegisterBenchmark(
             name.c_str(), [panel = m_panel, contestant](benchmark::State& run) {
                 take_turn(panel);
                 if (std::string const& error = panel->check(); !error.empty()) {
@@ -156,9 +160,11 @@ public:
                     run.SkipWithError(error.c_str());
                     return;
                 }
-                contestant->time(run);
+                contestant->time_inputs(run);
                 run.counters["allocations"] = contestant->allocations_per_input();
             });
+        if (long const iterations = fixed_iterations())
+            registered->Iterations(iterations);
         return *this;
     }
 

@@ -21,6 +21,11 @@ unsigned long long bench::allocations() {
     return allocation_count;
 }
 
+long bench::fixed_iterations() {
+    char const* const text = std::getenv("BIG_BENCH_ITERATIONS");
+    return text == nullptr ? 0 : std::atol(text);
+}
+
 void bench::take_turn(std::shared_ptr<INPUT_HOLDER> const& holder) {
     if (holder_in_turn != holder) {
         if (holder_in_turn)
