@@ -34,9 +34,10 @@ void note_failure();
 /// How often memory has been allocated with operator new.
 unsigned long long allocations();
 
-/// The number in the environment variable BIG_BENCH_ITERATIONS, which instruction counts need; else
-/// 0, and the time decides.
-long fixed_iterations();
+/// The number in an environment variable, if there is one. BIG_BENCH_INPUTS bounds the inputs of
+/// each comparison, for a quick test; BIG_BENCH_ITERATIONS fixes the iterations, which instruction
+/// counts need; BIG_BENCH_VALUES is the number of values that a database stores.
+long setting(char const* variable, long otherwise);
 
 /// Inputs in memory, which are released when another comparison's turn comes: those of all of them
 /// would not fit.
@@ -163,7 +164,7 @@ public:
                 contestant->time_inputs(run);
                 run.counters["allocations"] = contestant->allocations_per_input();
             });
-        if (long const iterations = fixed_iterations())
+        if (long const iterations = setting("BIG_BENCH_ITERATIONS", 0); iterations > 0)
             registered->Iterations(iterations);
         return *this;
     }

@@ -21,9 +21,9 @@ unsigned long long bench::allocations() {
     return allocation_count;
 }
 
-long bench::fixed_iterations() {
-    char const* const text = std::getenv("BIG_BENCH_ITERATIONS");
-    return text == nullptr ? 0 : std::atol(text);
+long bench::setting(char const* variable, long otherwise) {
+    char const* const text = std::getenv(variable);
+    return text == nullptr ? otherwise : std::atol(text);
 }
 
 void bench::take_turn(std::shared_ptr<INPUT_HOLDER> const& holder) {
