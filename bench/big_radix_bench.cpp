@@ -32,7 +32,8 @@ using bench::below;
 using bench::RANDOM;
 
 /// Bits of the vectors.
-constexpr std::array<unsigned, 9> WIDTHS = {8, 16, 32, 64, 128, 1024, 16384, 65536, 1048576};
+constexpr std::array<unsigned, 11> WIDTHS = {8,    16,    32,    64,     128,    1024,
+                                             4096, 16384, 65536, 262144, 1048576};
 
 struct RADIX {
     char const* name;

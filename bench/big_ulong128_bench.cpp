@@ -211,7 +211,7 @@ void add_text(std::string const& size, SPREAD spread, unsigned bits) {
                  [text = std::string()](BIG_ULONG128 const& value) mutable -> std::string const& {
                      return *value.to_string(&text);
                  });
-    for (auto* const comparison : {&returned, &in_place}) {
+    for ([[maybe_unused]] auto* const comparison : {&returned, &in_place}) {
 #ifdef BIG_BENCH_GMP
         comparison->add(
             "gmp", [](WIDE value) { return bench::MPZ(value); },

@@ -4,7 +4,10 @@
 /// @file
 /// Makers of inputs: many values whose shapes come in random order, the same in every run.
 
+#include "bench.h"
+
 #include <algorithm>
+#include <climits>
 #include <cstddef>
 #include <random>
 #include <string>
@@ -49,6 +52,7 @@ inline WIDE random_number(RANDOM& random, SPREAD spread, unsigned bits) {
 template <typename MAKE>
 auto many(MAKE make, std::size_t count = INPUT_COUNT) {
     RANDOM random(20240607);
+    count = std::min(count, static_cast<std::size_t>(setting("BIG_BENCH_INPUTS", LONG_MAX)));
     std::vector<decltype(make(random))> inputs;
     inputs.reserve(count);
     for (std::size_t i = 0; i < count; ++i)

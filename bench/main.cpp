@@ -21,6 +21,11 @@ unsigned long long bench::allocations() {
     return allocation_count;
 }
 
+long bench::setting(char const* variable, long otherwise) {
+    char const* const text = std::getenv(variable);
+    return text == nullptr ? otherwise : std::atol(text);
+}
+
 void bench::take_turn(std::shared_ptr<INPUT_HOLDER> const& holder) {
     if (holder_in_turn != holder) {
         if (holder_in_turn)
