@@ -27,7 +27,6 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
-#include <limits>
 #include <string_view>
 
 #define BIG_SOURCE_PATH "big/big_time"
@@ -57,24 +56,6 @@ static_assert(std::size(unit_of_row) == BIG_TIME::MAX_TIME_UNIT && every_unit_ha
 
 /// The unit argument of the printing operations that stands for the value's own unit.
 constexpr int own_unit = -1;
-
-/// The delay of a time that does not fit 32 bits: 0x80000001.
-constexpr int no_delay = -INT_MAX;
-
-/// 1 s in picoseconds: what a frequency in hertz and its period in picoseconds multiply to.
-constexpr long long picoseconds_in_second = 1000000000000LL;
-
-bool is_frequency(int unit) {
-    return unit >= BIG_TIME::UNIT_HZ && unit <= BIG_TIME::UNIT_GHZ;
-}
-
-bool is_data_rate(int unit) {
-    return unit >= BIG_TIME::UNIT_BPS && unit <= BIG_TIME::UNIT_GBPS;
-}
-
-bool is_unit(int unit) {
-    return unit >= BIG_TIME::MIN_TIME_UNITS && unit < BIG_TIME::MAX_TIME_UNIT;
-}
 
 } // namespace
 
@@ -110,14 +91,6 @@ long long const BIG_TIME::s_power_10_table[] = {
     100000000000000000LL,
     1000000000000000000LL,
 };
-
-BIG_TIME::UNIT_CATEGORY BIG_TIME::get_unit_category(TIME_UNIT unit) {
-    if (!is_unit(unit))
-        return INVALID_CATEGORY;
-    if (is_frequency(unit))
-        return FREQUENCY_CATEGORY;
-    return is_data_rate(unit) ? DATA_RATE_CATEGORY : TIME_CATEGORY;
-}
 
 char const* BIG_TIME::get_time_unit_string(TIME_UNIT unit) {
     BIG_REQUIRE(unit >= MIN_TIME_UNITS);
@@ -159,39 +132,21 @@ bool BIG_TIME::extract_time_units(char const* text, TIME_UNIT& unit) {
     return true;
 }
 
-void BIG_TIME::set_smaller_unit(TIME_UNIT a, TIME_UNIT b) {
-    m_unit = std::min(a, b);
-}
-
 // ------------------------------------------------------------------------------------------------
 // Construction and setting from numbers
 // ------------------------------------------------------------------------------------------------
 
-BIG_TIME::BIG_TIME(long long value, TIME_UNIT unit) {
-    if (!set_time(value, unit))
-        mem_msg_vdebug("BIG_TIME constructor failed");
-}
-
 BIG_TIME::BIG_TIME(long long value, std::string const& unit_text) {
     if (!set_time(value, unit_text))
-        mem_msg_vdebug("BIG_TIME constructor failed");
+        tell_constructor_failed();
 }
 
-bool BIG_TIME::set_time(long long value, TIME_UNIT unit) {
-    if (!is_unit(unit))
-        return false;
-    m_value = compute_storage_number(value, unit);
-    m_unit = unit;
-    return true;
+void BIG_TIME::tell_constructor_failed() {
+    mem_msg_vdebug("BIG_TIME constructor failed");
 }
 
 bool BIG_TIME::set_time(long long value, std::string const& unit_text) {
     return set_time(value, big_get_time_unit(unit_text));
-}
-
-BIG_TIME& BIG_TIME::operator=(long long value) {
-    set_time(value, UNIT_NONE);
-    return *this;
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -244,7 +199,7 @@ bool scan_plain_number(char const*& at, char const* end, PLAIN_NUMBER& number) {
 }
 
 /// Scales a plain number into the storage unit. False for what the general reader must settle.
-bool store_plain_number(PLAIN_NUMBER const& number, int unit, bool post_messages,
+bool store_plain_number(PLAIN_NUMBER const& number, BIG_TIME::TIME_UNIT unit, bool post_messages,
                         long long& value) {
     int const resolution = BIG_TIME::s_fraction_digits[unit];
     if (resolution < 0)
@@ -263,7 +218,8 @@ bool store_plain_number(PLAIN_NUMBER const& number, int unit, bool post_messages
             return false;
         magnitude = kept;
     }
-    if (number.negative && magnitude != 0 && (is_frequency(unit) || is_data_rate(unit)))
+    if (number.negative && magnitude != 0
+        && BIG_TIME::get_unit_category(unit) != BIG_TIME::TIME_CATEGORY)
         return false;
     value = big_with_sign(magnitude, number.negative);
     return true;
@@ -278,7 +234,8 @@ std::string_view without_blanks_around(std::string_view text) {
 }
 
 /// Reads a plain number in a unit.
-bool read_plain_number(std::string_view text, int unit, bool post_messages, long long& value) {
+bool read_plain_number(std::string_view text, BIG_TIME::TIME_UNIT unit, bool post_messages,
+                       long long& value) {
     text = without_blanks_around(text);
     char const* at = text.data();
     char const* const end = at + text.size();
@@ -342,18 +299,18 @@ bool cut_to_resolution(std::string& number, int resolution) {
 
 BIG_TIME::BIG_TIME(std::string const& number_text, TIME_UNIT unit, bool post_messages) {
     if (!set_time(number_text, unit, post_messages))
-        mem_msg_vdebug("BIG_TIME constructor failed");
+        tell_constructor_failed();
 }
 
 BIG_TIME::BIG_TIME(std::string const& number_text, std::string const& unit_text,
                    bool post_messages) {
     if (!set_time(number_text, unit_text, post_messages))
-        mem_msg_vdebug("BIG_TIME constructor failed");
+        tell_constructor_failed();
 }
 
 BIG_TIME::BIG_TIME(std::string const& text, bool post_messages) {
     if (!set_time(text, post_messages))
-        mem_msg_vdebug("BIG_TIME constructor failed");
+        tell_constructor_failed();
 }
 
 bool BIG_TIME::set_time(std::string const& number_text, TIME_UNIT unit, bool post_messages) {
@@ -559,7 +516,7 @@ bool BIG_TIME::will_value_be_truncated(char const* text, std::string& truncated_
 // Storage
 // ------------------------------------------------------------------------------------------------
 
-long long BIG_TIME::compute_storage_number(long long value, TIME_UNIT unit) {
+long long BIG_TIME::scale_by_all_rules(long long value, TIME_UNIT unit) {
     if (is_frequency(unit) || is_data_rate(unit)) {
         if (value < 0)
             BIG_FAIL("Wrong concept: Negative frequency!");
@@ -581,18 +538,8 @@ long long BIG_TIME::compute_storage_number(long long value, TIME_UNIT unit) {
     return big_with_sign(magnitude, value < 0);
 }
 
-long long BIG_TIME::get_storage_number() const {
-    return is_frequency(m_unit) && m_value != 0 ? picoseconds_in_second / m_value : m_value;
-}
-
-void BIG_TIME::set_storage_number(long long count) {
-    if (!is_frequency(m_unit)) {
-        m_value = count;
-        return;
-    }
-    if (count == 0)
-        BIG_FAIL("Integer division by zero");
-    m_value = picoseconds_in_second / count;
+void BIG_TIME::report_period_of_zero() {
+    BIG_FAIL("Integer division by zero");
 }
 
 bool BIG_TIME::safe_to_convert(unsigned int byte_count) const {
@@ -603,14 +550,6 @@ bool BIG_TIME::safe_to_convert(unsigned int byte_count) const {
     // In double, as callers rely on: 2^55 - 1 and 2^63 - 1 round up by one.
     double const limit = std::ldexp(1.0, static_cast<int>(bits) - 1) - (count < 0 ? 0.0 : 1.0);
     return static_cast<unsigned long long>(limit) >= big_magnitude(count);
-}
-
-int BIG_TIME::convert_to_tsm_delay() const {
-    return safe_to_convert(sizeof(int)) ? static_cast<int>(get_storage_number()) : no_delay;
-}
-
-bool BIG_TIME::is_legal() const {
-    return !(is_frequency(m_unit) && m_value == 0);
 }
 
 bool BIG_TIME::is_logically_legal(long long const& value, TIME_UNIT const& unit) {
@@ -631,102 +570,18 @@ bool BIG_TIME::is_logically_legal(long long const& value, TIME_UNIT const& unit)
 // Arithmetic
 // ------------------------------------------------------------------------------------------------
 
-namespace {
+// The operators are compiled into their callers; here are their reports.
 
-// Sums, differences and products wrap, as callers rely on; unsigned arithmetic says so.
-
-long long wrapping_sum(long long a, long long b) {
-    return static_cast<long long>(static_cast<unsigned long long>(a)
-                                  + static_cast<unsigned long long>(b));
+void BIG_TIME::report_negation_overflow() {
+    BIG_FAIL("Overflow");
 }
 
-long long wrapping_difference(long long a, long long b) {
-    return static_cast<long long>(static_cast<unsigned long long>(a)
-                                  - static_cast<unsigned long long>(b));
+void BIG_TIME::report_division_by_zero() {
+    BIG_FAIL("Division by Zero");
 }
 
-long long wrapping_product(long long a, long long b) {
-    return static_cast<long long>(static_cast<unsigned long long>(a)
-                                  * static_cast<unsigned long long>(b));
-}
-
-/// Whether the quotient of two numbers is 2^63, the one that does not fit.
-bool quotient_overflows(long long dividend, long long divisor) {
-    return dividend == LLONG_MIN && divisor == -1;
-}
-
-} // namespace
-
-BIG_TIME BIG_TIME::operator+(BIG_TIME const& other) const {
-    BIG_TIME sum;
-    sum.m_value = wrapping_sum(m_value, other.m_value);
-    sum.m_unit = std::min(m_unit, other.m_unit);
-    return sum;
-}
-
-BIG_TIME BIG_TIME::operator-(BIG_TIME const& other) const {
-    BIG_TIME difference;
-    difference.m_value = wrapping_difference(m_value, other.m_value);
-    difference.m_unit = std::min(m_unit, other.m_unit);
-    return difference;
-}
-
-BIG_TIME& BIG_TIME::operator+=(BIG_TIME const& other) {
-    return *this = *this + other;
-}
-
-BIG_TIME& BIG_TIME::operator-=(BIG_TIME const& other) {
-    return *this = *this - other;
-}
-
-BIG_TIME BIG_TIME::operator-() {
-    if (m_value == LLONG_MIN)
-        BIG_FAIL("Overflow");
-    BIG_TIME negated; // without the unit, as callers rely on
-    negated.m_value = -m_value;
-    return negated;
-}
-
-long long BIG_TIME::operator/(BIG_TIME const& other) const {
-    return (*this / other.m_value).m_value;
-}
-
-long long BIG_TIME::operator%(BIG_TIME const& other) const {
-    if (other.m_value == 0)
-        BIG_FAIL("Modulo by Zero");
-    if (quotient_overflows(m_value, other.m_value))
-        overflow_error();
-    return m_value % other.m_value;
-}
-
-BIG_TIME BIG_TIME::operator*(long long const& factor) const {
-    BIG_TIME product = *this;
-    product.m_value = wrapping_product(m_value, factor);
-    return product;
-}
-
-BIG_TIME& BIG_TIME::operator*=(long long const& factor) {
-    return *this = *this * factor;
-}
-
-BIG_TIME BIG_TIME::operator/(long long const& divisor) const {
-    if (divisor == 0)
-        BIG_FAIL("Division by Zero");
-    if (quotient_overflows(m_value, divisor))
-        overflow_error();
-    BIG_TIME quotient = *this;
-    quotient.m_value = m_value / divisor;
-    return quotient;
-}
-
-BIG_TIME& BIG_TIME::operator/=(long long const& divisor) {
-    return *this = *this / divisor;
-}
-
-BIG_TIME& BIG_TIME::operator%=(long long const& divisor) {
-    BIG_TIME plain_divisor;
-    plain_divisor = divisor;
-    return *this = *this % plain_divisor; // the unit becomes UNIT_NONE, as callers rely on
+void BIG_TIME::report_modulo_by_zero() {
+    BIG_FAIL("Modulo by Zero");
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -734,12 +589,6 @@ BIG_TIME& BIG_TIME::operator%=(long long const& divisor) {
 // ------------------------------------------------------------------------------------------------
 
 namespace {
-
-/// Whether one of two categories is frequency and the other data rate.
-bool is_frequency_against_rate(BIG_TIME::UNIT_CATEGORY a, BIG_TIME::UNIT_CATEGORY b) {
-    return (a == BIG_TIME::FREQUENCY_CATEGORY && b == BIG_TIME::DATA_RATE_CATEGORY)
-           || (a == BIG_TIME::DATA_RATE_CATEGORY && b == BIG_TIME::FREQUENCY_CATEGORY);
-}
 
 /// The switches of operator<, read in this order. Strict mode implies the last one, which is then
 /// not read.
@@ -752,27 +601,35 @@ struct LESS_SWITCHES {
 
 } // namespace
 
-bool BIG_TIME::operator==(BIG_TIME const& other) const {
+std::atomic<bool> BIG_TIME::s_equal_is_by_default = false;
+std::atomic<bool> BIG_TIME::s_less_is_by_default = false;
+
+bool BIG_TIME::is_equal_by_switches(BIG_TIME const& other) const {
     static bool const strict_unit_mode = cfg_is_on("big_time_strict_unit_mode");
+    if (!strict_unit_mode) {
+        s_equal_is_by_default.store(true, std::memory_order_relaxed);
+        return *this == other;
+    }
     if (m_value != other.m_value)
         return false;
     UNIT_CATEGORY const a = get_unit_category(get_time_unit());
     UNIT_CATEGORY const b = get_unit_category(other.get_time_unit());
-    if (a == b)
-        return true;
     // Strict mode knows only one order of the two, as callers rely on.
-    return strict_unit_mode ? a == DATA_RATE_CATEGORY && b == FREQUENCY_CATEGORY
-                            : is_frequency_against_rate(a, b);
+    return a == b || (a == DATA_RATE_CATEGORY && b == FREQUENCY_CATEGORY);
 }
 
-bool BIG_TIME::operator<(BIG_TIME const& other) const {
+bool BIG_TIME::is_less_by_switches(BIG_TIME const& other) const {
     static LESS_SWITCHES const switches;
     bool const is_less = m_value < other.m_value;
+    if (!(switches.debug_messages_on || switches.ie_on_unit_mismatch)) {
+        s_less_is_by_default.store(true, std::memory_order_relaxed);
+        return is_less;
+    }
     if (m_value == 0 || other.m_value == 0)
         return is_less;
     UNIT_CATEGORY const a = get_unit_category(get_time_unit());
     UNIT_CATEGORY const b = get_unit_category(other.get_time_unit());
-    if (a == b || !(switches.debug_messages_on || switches.ie_on_unit_mismatch))
+    if (a == b)
         return is_less;
     mem_msg_vdebug("Attempting to compare incompatible times \"%s\" with \"%s\"!  This behavior is "
                    "deprecated!",
@@ -880,8 +737,7 @@ void print_number(PRINTED& out, long long count, bool across_categories, int uni
     else if (count == 0)
         out.append("INF");
     else
-        out.put_count(picoseconds_in_second / count, BIG_TIME::s_fraction_digits[unit], precision,
-                      trim);
+        out.put_count(1000000000000LL / count, BIG_TIME::s_fraction_digits[unit], precision, trim);
 }
 
 /// The unit in which a count of picoseconds is easy to read.
@@ -986,78 +842,8 @@ std::string BIG_TIME::to_raw_string() const {
 // Frequencies
 // ------------------------------------------------------------------------------------------------
 
-namespace {
+// The conversions are compiled into their callers; here is their report.
 
-/// 1 s in picoseconds as the doubles below use it.
-constexpr double picoseconds_in_second_as_double = 1e12;
-
-/// Ties the double to the integer rule by which BIG_TIME turns a period of 1 ps into hertz.
-void check_picoseconds_in_second() {
-    BIG_TIME one_time_unit(1, BIG_TIME::UNIT_HZ);
-    one_time_unit.set_storage_number(1);
-    BIG_REQUIRE(one_time_unit.get_time_value() == 1000000000000LL);
-}
-
-/// The integer part of a double; what does not fit, a not-a-number included, gives the smallest
-/// number of the type, as the common hardware has it.
-template <typename INTEGER>
-INTEGER integer_part(double value) {
-    constexpr INTEGER smallest = std::numeric_limits<INTEGER>::min();
-    // -2^n and 2^n are doubles; the smallest number may have a fraction to lose in 32 bits only.
-    double const end = -static_cast<double>(smallest);
-    bool const fits = std::trunc(value) >= -end && value < end;
-    return fits ? static_cast<INTEGER>(value) : smallest;
-}
-
-template <typename INTEGER>
-void write_period(double frequency, INTEGER* period) {
-    if (frequency == 0.0)
-        return;
-    check_picoseconds_in_second();
-    *period = integer_part<INTEGER>(picoseconds_in_second_as_double / frequency);
-}
-
-} // namespace
-
-BIG_FREQUENCY::BIG_FREQUENCY(int period) {
-    compute_from_period(period);
-}
-
-BIG_FREQUENCY::BIG_FREQUENCY(BIG_TIME& time) {
-    compute_from_big_time(time);
-}
-
-void BIG_FREQUENCY::compute_from_period(int period) {
-    if (period == no_delay) {
-        m_value = 0.0;
-        return;
-    }
-    check_picoseconds_in_second();
-    m_value = picoseconds_in_second_as_double / period; // a period of 0 gives infinity
-}
-
-void BIG_FREQUENCY::compute_from_big_time(BIG_TIME time) {
-    int const delay = time.convert_to_tsm_delay();
-    if (BIG_TIME::get_unit_category(time.get_time_unit()) != BIG_TIME::FREQUENCY_CATEGORY)
-        compute_from_period(delay);
-    else
-        m_value = delay == 0 ? 0.0 : static_cast<double>(time.get_time_value());
-}
-
-void BIG_FREQUENCY::compute_period(int* period) {
-    write_period(m_value, period);
-}
-
-void BIG_FREQUENCY::compute_period(long long* period) {
-    write_period(m_value, period);
-}
-
-BIG_FREQUENCY operator*(BIG_FREQUENCY frequency, long long factor) {
-    frequency.m_value = static_cast<double>(factor) * frequency.m_value;
-    return frequency;
-}
-
-BIG_FREQUENCY operator/(BIG_FREQUENCY frequency, long long divisor) {
-    frequency.m_value /= static_cast<double>(divisor);
-    return frequency;
+void BIG_FREQUENCY::report_picoseconds_in_second() {
+    BIG_FAIL("one_time_unit.get_time_value() == 1000000000000LL");
 }
