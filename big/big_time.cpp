@@ -23,6 +23,7 @@
 #include "gen_sys.h"
 
 #include <algorithm>
+#include <bit>
 #include <climits>
 #include <cmath>
 #include <cstring>
@@ -61,9 +62,6 @@ constexpr int own_unit = -1;
 
 #define TEXT(unit, text, power) text,
 char const* const BIG_TIME::s_unit_strings[] = {BIG_UNIT_ROWS(TEXT)};
-namespace {
-constexpr std::string_view name_of_unit[] = {BIG_UNIT_ROWS(TEXT)}; // the same, with their lengths
-}
 #undef TEXT
 
 #define POWER(unit, text, power) power,
@@ -669,75 +667,109 @@ void BIG_TIME::set_time_unit(TIME_UNIT unit) {
 
 namespace {
 
-/// The text of a value as it is built, from the digits outwards.
-class PRINTED {
-public:
-    /// A count in decimal with the point of a unit, rounded half up on the magnitude to `precision`
-    /// places; trailing zeros but one after the point are dropped if `trim`.
-    void put_count(long long count, int resolution, unsigned int precision, bool trim) {
-        unsigned long long magnitude = big_magnitude(count);
-        int places = std::max(resolution, 0);
-        if (precision < static_cast<unsigned int>(places)) {
-            auto const step = static_cast<unsigned long long>(
-                BIG_TIME::s_power_10_table[places - static_cast<int>(precision)]);
-            magnitude = (magnitude + step / 2) / step; // at most 2^63 + 5 x 10^11: no overflow
-            places = static_cast<int>(precision);
-        }
-        m_begin = big_write_digits(m_end, magnitude);
-        if (places > 0) {
-            place_point(places);
-            if (trim)
-                while (m_end[-1] == '0' && m_end[-2] != '.')
-                    --m_end;
-        } else {
-            for (; resolution < 0; ++resolution)
-                *m_end++ = '0'; // femtoseconds: a zero count too, which makes 0000
-        }
-        if (count < 0)
-            *--m_begin = '-';
-    }
+// Each of these writes at `to` and returns the end of what it wrote; up to 16 bytes behind it are
+// overwritten too. A whole text, with sign, 19 digits, point, 12 decimal places, a blank and the
+// longest unit, keeps within BIG_TEXT_ROOM.
 
-    void append(std::string_view text) {
-        std::memcpy(m_end, text.data(), text.size());
-        m_end += text.size();
-    }
+char* put_text(char* to, std::string_view text) {
+    std::memcpy(to, text.data(), text.size());
+    return to + text.size();
+}
 
-    void append_unit(int unit) {
-        *m_end++ = ' ';
-        append(name_of_unit[unit]);
-    }
-
-    std::string_view text() const { return {m_begin, static_cast<std::size_t>(m_end - m_begin)}; }
-
-private:
-    /// Puts the point before the last `places` digits, with zeros in front of too few.
-    void place_point(int places) {
-        while (m_end - m_begin <= places)
-            *--m_begin = '0';
-        std::ptrdiff_t const digits_before_point = m_end - m_begin - places;
-        std::memmove(m_begin - 1, m_begin, static_cast<std::size_t>(digits_before_point));
-        --m_begin;
-        m_begin[digits_before_point] = '.';
-    }
-
-    // Before the middle: a sign, 20 digits and a point. Behind it: three zeros, a blank and the
-    // longest unit.
-    static constexpr std::size_t before_middle = 32;
-    char m_buffer[before_middle + 16];
-    char* m_end = m_buffer + before_middle;
-    char* m_begin = m_end;
+/// A blank and the name of a unit: copied by their fixed room, so that no length is looked at.
+struct UNIT_SUFFIX {
+    static constexpr std::size_t room = 16;
+    char text[room];
+    std::size_t length;
 };
+#define SUFFIX(unit, text, power) {" " text, sizeof(" " text) - 1},
+constexpr UNIT_SUFFIX suffix_of_unit[] = {BIG_UNIT_ROWS(SUFFIX)};
+#undef SUFFIX
 
-/// Prints the number of a time in a unit. `across_categories` turns a frequency into its period and
-/// the other way round.
-void print_number(PRINTED& out, long long count, bool across_categories, int unit,
-                  unsigned int precision, bool trim) {
-    if (!across_categories)
-        out.put_count(count, BIG_TIME::s_fraction_digits[unit], precision, trim);
-    else if (count == 0)
-        out.append("INF");
-    else
-        out.put_count(1000000000000LL / count, BIG_TIME::s_fraction_digits[unit], precision, trim);
+char* put_unit(char* to, int unit) {
+    std::memcpy(to, suffix_of_unit[unit].text, UNIT_SUFFIX::room);
+    return to + suffix_of_unit[unit].length;
+}
+
+/// How many of sixteen digits, given as two numbers of eight, are left when the zeros at the end
+/// are dropped, all but the first digit.
+int digits_without_zeros_at_end(unsigned long long first, unsigned long long second) {
+    if (second != 0)
+        return 16 - std::countl_zero(second) / 8;
+    return first != 0 ? 8 - std::countl_zero(first) / 8 : 1;
+}
+
+/// The decimal places of a number: `fraction` / 10^places. With `trim`, zeros at the end are
+/// dropped, all but the first place.
+char* put_fraction(char* to, unsigned long long fraction, int places, bool trim) {
+    constexpr int eight = 8;
+    bool const is_short = places <= eight;
+    auto const power = [](int exponent) {
+        return static_cast<unsigned long long>(BIG_TIME::s_power_10_table[exponent]);
+    };
+    unsigned long long const first_eight =
+        is_short ? fraction * power(eight - places) : fraction / power(places - eight);
+    unsigned long long const first = big_eight_digits(static_cast<unsigned int>(first_eight));
+    big_store_eight_digits(to, first);
+    unsigned long long second = 0;
+    if (!is_short) {
+        unsigned long long const rest = fraction % power(places - eight) * power(16 - places);
+        second = big_eight_digits(static_cast<unsigned int>(rest));
+        big_store_eight_digits(to + eight, second);
+    }
+    return to + (trim ? digits_without_zeros_at_end(first, second) : places);
+}
+
+/// A count in decimal with the point of a unit, rounded half up on the magnitude to `precision`
+/// places; trailing zeros but one after the point are dropped if `trim`.
+char* put_count(char* to, long long count, int resolution, unsigned int precision, bool trim) {
+    unsigned long long magnitude = big_magnitude(count);
+    int places = std::max(resolution, 0);
+    if (precision < static_cast<unsigned int>(places)) {
+        auto const step = static_cast<unsigned long long>(
+            BIG_TIME::s_power_10_table[places - static_cast<int>(precision)]);
+        magnitude = (magnitude + step / 2) / step; // at most 2^63 + 5 x 10^11: no overflow
+        places = static_cast<int>(precision);
+    }
+    *to = '-'; // which the first digit overwrites when there is no sign
+    to += count < 0 ? 1 : 0;
+    if (places == 0) {
+        to = big_put_number(to, magnitude);
+        for (; resolution < 0; ++resolution)
+            *to++ = '0'; // femtoseconds: a zero count too, which makes 0000
+        return to;
+    }
+    auto const one = static_cast<unsigned long long>(BIG_TIME::s_power_10_table[places]);
+    to = big_put_number(to, magnitude / one);
+    *to++ = '.';
+    return put_fraction(to, magnitude % one, places, trim);
+}
+
+/// The number of a time in a unit. `across_categories` turns a frequency into its period and the
+/// other way round.
+char* put_number(char* to, long long count, bool across_categories, int unit,
+                 unsigned int precision, bool trim) {
+    if (across_categories) {
+        if (count == 0)
+            return put_text(to, "INF");
+        count = BIG_TIME::PICOSECONDS_IN_SECOND / count;
+    }
+    return put_count(to, count, BIG_TIME::s_fraction_digits[unit], precision, trim);
+}
+
+/// Makes the text that `write` writes the whole content of a string: in place, if it has room for
+/// any; a string gets that room when it needs more than it has.
+template <typename WRITE>
+void assign_time_text(std::string* out, WRITE write) {
+    if (out->capacity() >= BIG_TEXT_ROOM) {
+        big_assign_text(out, BIG_TEXT_ROOM, write);
+        return;
+    }
+    char text[BIG_TEXT_ROOM];
+    std::size_t const length = write(text);
+    if (length > out->capacity())
+        out->reserve(BIG_TEXT_ROOM);
+    out->assign(text, length);
 }
 
 /// The unit in which a count of picoseconds is easy to read.
@@ -782,9 +814,11 @@ std::string* BIG_TIME::to_string_without_unit(std::string* text, TIME_UNIT unit,
     if (unit == own_unit)
         unit = get_time_unit();
     get_time_unit_string(unit); // refuses what is no unit
-    PRINTED printed;
-    print_number(printed, m_value, across_categories, unit, precision, trim);
-    return &text->assign(printed.text());
+    assign_time_text(text, [&](char* to) {
+        char* const end = put_number(to, m_value, across_categories, unit, precision, trim);
+        return static_cast<std::size_t>(end - to);
+    });
+    return text;
 }
 
 std::string BIG_TIME::to_string_without_unit(TIME_UNIT unit, unsigned short precision,
@@ -800,12 +834,14 @@ std::string* BIG_TIME::to_string(std::string* text, TIME_UNIT unit, unsigned sho
     if (unit == own_unit)
         unit = get_time_unit();
     get_time_unit_string(unit); // refuses what is no unit
-    PRINTED printed;
-    print_number(printed, m_value, is_frequency(m_unit) != is_frequency(unit), unit, precision,
-                 trim);
-    if (unit != UNIT_NONE)
-        printed.append_unit(unit);
-    return &text->assign(printed.text());
+    bool const across_categories = is_frequency(m_unit) != is_frequency(unit);
+    assign_time_text(text, [&](char* to) {
+        char* end = put_number(to, m_value, across_categories, unit, precision, trim);
+        if (unit != UNIT_NONE)
+            end = put_unit(end, unit);
+        return static_cast<std::size_t>(end - to);
+    });
+    return text;
 }
 
 std::string BIG_TIME::to_string(TIME_UNIT unit, unsigned short precision, bool trim) const {
@@ -829,13 +865,13 @@ std::string BIG_TIME::to_string(unsigned short precision) const {
 
 std::string BIG_TIME::to_raw_string() const {
     get_time_unit_string(get_time_unit()); // refuses what is no unit
-    PRINTED printed;
-    if (m_unit == UNIT_FS && m_value == 0)
-        printed.append("0"); // the canonical form of the 0000 that putting it gives
-    else
-        printed.put_count(m_value, s_fraction_digits[m_unit], USHRT_MAX, true);
-    printed.append_unit(m_unit); // for UNIT_NONE a blank all the same, as callers rely on
-    return std::string(printed.text());
+    char text[BIG_TEXT_ROOM];
+    bool const is_zero_fs = m_unit == UNIT_FS && m_value == 0;
+    char* const end =
+        is_zero_fs ? put_text(text, "0") // the canonical form of the 0000 that putting it gives
+                   : put_count(text, m_value, s_fraction_digits[m_unit], USHRT_MAX, true);
+    // For UNIT_NONE a blank all the same, as callers rely on.
+    return std::string(text, put_unit(end, m_unit));
 }
 
 // ------------------------------------------------------------------------------------------------

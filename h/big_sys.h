@@ -83,6 +83,9 @@ public:
     /// Entries of s_power_10_table.
     static constexpr unsigned long MAX_DIGITS_IN_SMALLEST_TIME_UNIT = 19;
 
+    /// 1 s in picoseconds: what a frequency in hertz and its period in picoseconds multiply to.
+    static constexpr long long PICOSECONDS_IN_SECOND = 1000000000000LL;
+
     // --- Units and their tables ---
 
     /// The name of each unit, which parsing accepts and printing appends; empty for UNIT_NONE.
@@ -351,9 +354,6 @@ private:
     friend class BIG_FREQUENCY;
 
     using COUNT_BITS = unsigned long long; ///< a count as its bits, whose arithmetic wraps
-
-    /// 1 s in picoseconds: what a frequency in hertz and its period in picoseconds multiply to.
-    static constexpr long long PICOSECONDS_IN_SECOND = 1000000000000LL;
 
     /// The delay of a time that does not fit 32 bits: 0x80000001.
     static constexpr int NO_DELAY = -2147483647;
