@@ -2,12 +2,11 @@
 #define BIG_DIGITS_H
 
 /// @file
-/// Decimal digits of unsigned 64-bit integers: writing them in front of a place in a caller's
-/// buffer, and reading them.
+/// Decimal digits of unsigned integers: writing them, and reading them.
 ///
 /// Digits go by eights, side by side in the bytes of one word with the most significant digit in
-/// the lowest byte, as a text lies in memory. A word is computed without a loop, and a number
-/// without a branch on its length: numbers of mixed lengths cost as little as equal ones.
+/// the lowest byte, as a text lies in memory. A word is computed without a loop, and nearly every
+/// number without a branch on its length: numbers of mixed lengths cost as little as equal ones.
 
 #include <array>
 #include <bit>
@@ -15,8 +14,9 @@
 #include <cstring>
 #include <string>
 
-/// What writing a number may overwrite: this many bytes in front of `end`.
-inline constexpr std::size_t BIG_DIGITS_ROOM = 24;
+#if defined(__SSE2__) && !defined(BIG_PORTABLE)
+#include <emmintrin.h>
+#endif
 
 // ------------------------------------------------------------------------------------------------
 // Eight digits
@@ -77,6 +77,79 @@ inline void big_store_eight_digits(char* to, unsigned long long digits) {
 }
 
 // ------------------------------------------------------------------------------------------------
+// Sixteen digits
+// ------------------------------------------------------------------------------------------------
+
+/// Sixteen characters as they lie in memory, the first in the lowest byte.
+struct BIG_SIXTEEN_DIGITS {
+    __extension__ typedef unsigned __int128 BYTES;
+
+    BYTES m_bytes;
+
+    /// Moves the first characters out, at most 15 of them. Behind the last come zero bytes.
+    void drop_zeros(std::size_t count) { m_bytes >>= 8 * count; }
+    /// Turns the first character, a zero, into a minus sign if the condition holds: without a
+    /// branch, since signs come in no order.
+    void put_minus_if(bool condition) { m_bytes ^= BYTES{condition} * ('0' ^ '-'); }
+
+    /// Writes all sixteen bytes.
+    void store(char* to) const {
+        BYTES text = m_bytes;
+        if constexpr (std::endian::native == std::endian::big)
+            text = static_cast<BYTES>(__builtin_bswap64(static_cast<unsigned long long>(text)))
+                       << 64
+                   | __builtin_bswap64(static_cast<unsigned long long>(text >> 64));
+        std::memcpy(to, &text, sizeof text);
+    }
+};
+
+/// The digits, as text, of two numbers below 10^8, one after the other.
+///
+/// Where there are vectors of 16 bytes, both go down the ladder above side by side (W. Mula, "SSE:
+/// conversion integers to decimal representation", 2011). The reciprocals are wider than there,
+/// as its multiplications allow:
+///
+///     lanes          hold            split by
+///     2 of 64 bits   below 10^8      10000:  x 3518437209 / 2^45
+///     4 of 32 bits   below 10^4      100:    x 5243 / 2^19
+///     8 of 16 bits   below 100       10:     x 6554 / 2^16
+inline BIG_SIXTEEN_DIGITS big_sixteen_digits(unsigned int upper, unsigned int lower) {
+    using BYTES = BIG_SIXTEEN_DIGITS::BYTES;
+    unsigned long long first = 0;
+    unsigned long long second = 0;
+#if defined(__SSE2__) && !defined(BIG_PORTABLE)
+    __m128i const number = _mm_set_epi64x(lower, upper);
+    __m128i const thousands =
+        _mm_srli_epi64(_mm_mul_epu32(number, _mm_set1_epi64x(3518437209)), 45);
+    __m128i const below_thousands =
+        _mm_sub_epi64(number, _mm_mul_epu32(thousands, _mm_set1_epi64x(10000)));
+    __m128i const fours = _mm_or_si128(thousands, _mm_slli_epi64(below_thousands, 32));
+
+    __m128i const hundreds = _mm_srli_epi16(_mm_mulhi_epu16(fours, _mm_set1_epi16(5243)), 3);
+    __m128i const below_hundreds =
+        _mm_sub_epi16(fours, _mm_mullo_epi16(hundreds, _mm_set1_epi16(100)));
+    __m128i const twos = _mm_or_si128(hundreds, _mm_slli_epi32(below_hundreds, 16));
+
+    __m128i const tens = _mm_mulhi_epu16(twos, _mm_set1_epi16(6554));
+    __m128i const ones = _mm_sub_epi16(twos, _mm_mullo_epi16(tens, _mm_set1_epi16(10)));
+    __m128i const digits = _mm_or_si128(tens, _mm_slli_epi16(ones, 8));
+    first = static_cast<unsigned long long>(_mm_cvtsi128_si64(digits));
+    second = static_cast<unsigned long long>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(digits, digits)));
+#else
+    first = big_eight_digits(upper);
+    second = big_eight_digits(lower);
+#endif
+    constexpr unsigned long long zeros = 0x3030'3030'3030'3030ull;
+    return {static_cast<BYTES>(second | zeros) << 64 | (first | zeros)};
+}
+
+/// The digits of a number below 10^16.
+inline BIG_SIXTEEN_DIGITS big_sixteen_digits(unsigned long long number) {
+    return big_sixteen_digits(static_cast<unsigned int>(number / 100000000),
+                              static_cast<unsigned int>(number % 100000000));
+}
+
+// ------------------------------------------------------------------------------------------------
 // A number
 // ------------------------------------------------------------------------------------------------
 
@@ -97,44 +170,75 @@ inline std::size_t big_digit_count(unsigned long long value) {
     return digits + (value >= longer_than[digits] ? 1 : 0);
 }
 
-/// Writes the 24 digits of a number, leading zeros included, so that they end before `end`.
-inline void big_write_24_digits(char* end, unsigned long long value) {
-    unsigned long long const upper = value / 100000000;
-    unsigned long long const top = upper / 100000000;
-    big_store_eight_digits(end - 8, big_eight_digits(static_cast<unsigned int>(value % 100000000)));
-    big_store_eight_digits(end - 16,
-                           big_eight_digits(static_cast<unsigned int>(upper % 100000000)));
-    big_store_eight_digits(end - 24, big_eight_digits(static_cast<unsigned int>(top)));
-}
+/// The most that big_assign_text() has room for.
+inline constexpr std::size_t BIG_TEXT_ROOM = 64;
 
-/// Writes a number so that it ends before `end`, and returns its first digit: the text is
-/// [first, end). The BIG_DIGITS_ROOM bytes in front of `end` are all overwritten.
-inline char* big_write_digits(char* end, unsigned long long value) {
-    big_write_24_digits(end, value);
-    return end - big_digit_count(value);
-}
-
-/// Where a number's text is made that becomes a string's content: in front of end(), with as much
-/// room behind it.
-struct BIG_DIGITS_BUFFER {
-    char m_bytes[2 * BIG_DIGITS_ROOM] = {};
-
-    char* end() { return m_bytes + BIG_DIGITS_ROOM; }
-};
-
-/// Makes the text [first, buffer.end()) the whole content of a string.
+/// Makes a text the whole content of a string, in place where the standard library can.
 ///
-/// The string takes a fixed number of characters, so that the copy goes one way for numbers of
-/// every length, and is then cut back. One without room for every number is taken for new: it gets
-/// no more than a short number needs, which new strings hold without an allocation.
-inline void big_assign_digits(std::string* out, BIG_DIGITS_BUFFER& buffer, char const* first) {
-    constexpr std::size_t short_number = 15;
-    std::size_t const length = static_cast<std::size_t>(buffer.end() - first);
-    if (out->capacity() >= BIG_DIGITS_ROOM || length > short_number)
-        out->assign(first, BIG_DIGITS_ROOM);
-    else
-        out->assign(first, short_number);
-    out->resize(length);
+/// @param room  what `write` may overwrite: at most BIG_TEXT_ROOM characters, and the zero byte
+///              behind them. A new string holds 15 without an allocation.
+/// @param write `std::size_t (char* to)`: writes the text and returns its length
+template <typename WRITE>
+void big_assign_text(std::string* out, std::size_t room, WRITE write) {
+#ifdef __cpp_lib_string_resize_and_overwrite
+    out->resize_and_overwrite(room, [&](char* to, std::size_t) { return write(to); });
+#else
+    static_cast<void>(room);
+    char text[BIG_TEXT_ROOM + 1];
+    out->assign(text, write(text));
+#endif
+}
+
+/// Writes a number without leading zeros and returns its end. The 16 bytes at `to` are overwritten.
+inline char* big_put_number(char* to, unsigned long long number) {
+    constexpr unsigned long long ten_to_16 = 10000000000000000;
+    if (number < 100000000) {
+        unsigned long long const digits = big_eight_digits(static_cast<unsigned int>(number));
+        // A leading zero is a byte of 0 at the lower end; the last digit is not asked.
+        int const zeros = std::countr_zero(digits | 1ull << 56) / 8;
+        big_store_eight_digits(to, digits >> 8 * zeros);
+        return to + 8 - zeros;
+    }
+    if (number >= ten_to_16) {
+        char* const middle = big_put_number(to, number / ten_to_16); // at most 1844
+        big_sixteen_digits(number % ten_to_16).store(middle);
+        return middle + 16;
+    }
+    std::size_t const length = big_digit_count(number);
+    BIG_SIXTEEN_DIGITS digits = big_sixteen_digits(number);
+    digits.drop_zeros(16 - length);
+    digits.store(to);
+    return to + length;
+}
+
+/// Makes a number's text, with a minus sign or not, the whole content of a string.
+inline void big_assign_number(std::string* out, unsigned long long magnitude, bool negative) {
+    constexpr std::size_t short_text = 16; // with the zero byte that ends a string
+    std::size_t const digits = big_digit_count(magnitude);
+    std::size_t const length = digits + (negative ? 1 : 0);
+    auto const low = static_cast<unsigned int>(magnitude % 100000000);
+    unsigned long long const upper = magnitude / 100000000;
+    if (length < short_text) {
+        BIG_SIXTEEN_DIGITS text = big_sixteen_digits(static_cast<unsigned int>(upper), low);
+        text.drop_zeros(16 - length); // but the one in whose place a sign comes
+        text.put_minus_if(negative);
+        big_assign_text(out, short_text - 1, [&](char* to) {
+            text.store(to);
+            return length;
+        });
+        return;
+    }
+    // Up to 16 digits in front of the last 8
+    BIG_SIXTEEN_DIGITS front = big_sixteen_digits(static_cast<unsigned int>(upper / 100000000),
+                                                  static_cast<unsigned int>(upper % 100000000));
+    front.drop_zeros(24 - digits);
+    big_assign_text(out, length, [&](char* to) {
+        *to = '-'; // which the first digit overwrites when there is no sign
+        char* const first = to + (negative ? 1 : 0);
+        front.store(first);
+        big_store_eight_digits(first + digits - 8, big_eight_digits(low));
+        return length;
+    });
 }
 
 #endif

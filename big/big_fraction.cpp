@@ -7,13 +7,14 @@
 //     1/2 /= 0/1                   1/0: no exact form   infinity
 //
 // A denominator of 0 is the mark of "no exact form"; the numerator then means nothing.
+//
+// Quotient and comparison are compiled into their callers, in big_fraction_sys.h. A sum of doubles
+// is not: a caller may be compiled to fuse it with a product, and then rounds once.
 
 #include "big_frame.h"
 
 #include "big_fraction_sys.h"
 #include "gen_math_sys.h"
-
-#include <cmath>
 
 #define BIG_SOURCE_PATH "big/big_fraction"
 
@@ -24,9 +25,6 @@ BIG_FRACTION::BIG_FRACTION(long long numerator, long long denominator)
       m_value(static_cast<double>(numerator) / static_cast<double>(denominator)) {
     GEN_MATH::gcd_simplify<long long>(m_numerator, m_denominator);
 }
-
-BIG_FRACTION::BIG_FRACTION(double value)
-    : m_numerator(0), m_denominator(value == 0.0 ? 1 : 0), m_value(value) {}
 
 bool BIG_FRACTION::fractionalize() {
     if (is_fractional())
@@ -81,43 +79,4 @@ BIG_FRACTION& BIG_FRACTION::operator-=(BIG_FRACTION const& other) {
     add_exact_form(negative, other.m_denominator, m_numerator, m_denominator);
     m_value = m_value - other.m_value;
     return *this;
-}
-
-BIG_FRACTION& BIG_FRACTION::operator/=(BIG_FRACTION const& other) {
-    bool lost = !(is_fractional() && other.is_fractional());
-    long long numerator = 0;
-    long long denominator = 0;
-    if (!lost) {
-        numerator = GEN_MATH::multiply_of<long long>(m_numerator, other.m_denominator, lost);
-        denominator = GEN_MATH::multiply_of<long long>(m_denominator, other.get_numerator(), lost);
-    }
-    // Only now, because other may be this fraction. The quotient is not reduced.
-    m_numerator = lost ? 0 : numerator;
-    m_denominator = lost ? 0 : denominator;
-    m_value = m_value / other.m_value;
-    return *this;
-}
-
-BIG_FRACTION operator/(BIG_FRACTION dividend, BIG_FRACTION const& divisor) {
-    return dividend /= divisor;
-}
-
-bool operator==(BIG_FRACTION const& a, BIG_FRACTION const& b) {
-    if (&a == &b)
-        return true;
-    if (a.is_fractional() && b.is_fractional()) {
-        if (a.m_numerator == b.m_numerator && a.m_denominator == b.m_denominator)
-            return true;
-        bool overflow = false;
-        long long const left =
-            GEN_MATH::multiply_of<long long>(a.m_numerator, b.m_denominator, overflow);
-        long long const right =
-            GEN_MATH::multiply_of<long long>(a.m_denominator, b.m_numerator, overflow);
-        if (!overflow)
-            return left == right;
-    }
-    // The tolerance is relative to b, so a == b and b == a may differ; callers rely on it.
-    if (b.m_value == 0.0)
-        return a.m_value == 0.0;
-    return std::fabs(a.m_value / b.m_value - 1.0) < BIG_FRACTION::EQUALITY_PRECISION;
 }

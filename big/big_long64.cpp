@@ -6,29 +6,16 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 
 #include "big_digits.h"
 #include "big_sys.h"
-
-namespace {
-
-/// Writes a number so that it ends before `end`, and returns its first character.
-char* write_signed(char* end, long long value) {
-    bool const negative = value < 0;
-    unsigned long long const bits = static_cast<unsigned long long>(value);
-    char* const first = big_write_digits(end, negative ? 0 - bits : bits);
-    first[-1] = '-'; // always: there are at most 19 digits, and signs come in no order
-    return first - negative;
-}
-
-} // namespace
+#include "big_text.h"
 
 std::string* big_long64_to_string(long long value, std::string* out) {
-    BIG_DIGITS_BUFFER buffer;
-    big_assign_digits(out, buffer, write_signed(buffer.end(), value));
+    big_assign_number(out, big_magnitude(value), value < 0);
     return out;
 }
 
 std::string big_long64_to_string(long long value) {
     std::string text;
-    big_long64_to_string(value, &text);
+    big_assign_number(&text, big_magnitude(value), value < 0);
     return text;
 }
 

@@ -23,11 +23,11 @@
 #include "gen_sys.h"
 
 #include <algorithm>
+#include <bit>
 #include <climits>
 #include <cmath>
 #include <cstring>
 #include <iterator>
-#include <limits>
 #include <string_view>
 
 #define BIG_SOURCE_PATH "big/big_time"
@@ -58,31 +58,10 @@ static_assert(std::size(unit_of_row) == BIG_TIME::MAX_TIME_UNIT && every_unit_ha
 /// The unit argument of the printing operations that stands for the value's own unit.
 constexpr int own_unit = -1;
 
-/// The delay of a time that does not fit 32 bits: 0x80000001.
-constexpr int no_delay = -INT_MAX;
-
-/// 1 s in picoseconds: what a frequency in hertz and its period in picoseconds multiply to.
-constexpr long long picoseconds_in_second = 1000000000000LL;
-
-bool is_frequency(int unit) {
-    return unit >= BIG_TIME::UNIT_HZ && unit <= BIG_TIME::UNIT_GHZ;
-}
-
-bool is_data_rate(int unit) {
-    return unit >= BIG_TIME::UNIT_BPS && unit <= BIG_TIME::UNIT_GBPS;
-}
-
-bool is_unit(int unit) {
-    return unit >= BIG_TIME::MIN_TIME_UNITS && unit < BIG_TIME::MAX_TIME_UNIT;
-}
-
 } // namespace
 
 #define TEXT(unit, text, power) text,
 char const* const BIG_TIME::s_unit_strings[] = {BIG_UNIT_ROWS(TEXT)};
-namespace {
-constexpr std::string_view name_of_unit[] = {BIG_UNIT_ROWS(TEXT)}; // the same, with their lengths
-}
 #undef TEXT
 
 #define POWER(unit, text, power) power,
@@ -110,14 +89,6 @@ long long const BIG_TIME::s_power_10_table[] = {
     100000000000000000LL,
     1000000000000000000LL,
 };
-
-BIG_TIME::UNIT_CATEGORY BIG_TIME::get_unit_category(TIME_UNIT unit) {
-    if (!is_unit(unit))
-        return INVALID_CATEGORY;
-    if (is_frequency(unit))
-        return FREQUENCY_CATEGORY;
-    return is_data_rate(unit) ? DATA_RATE_CATEGORY : TIME_CATEGORY;
-}
 
 char const* BIG_TIME::get_time_unit_string(TIME_UNIT unit) {
     BIG_REQUIRE(unit >= MIN_TIME_UNITS);
@@ -159,39 +130,21 @@ bool BIG_TIME::extract_time_units(char const* text, TIME_UNIT& unit) {
     return true;
 }
 
-void BIG_TIME::set_smaller_unit(TIME_UNIT a, TIME_UNIT b) {
-    m_unit = std::min(a, b);
-}
-
 // ------------------------------------------------------------------------------------------------
 // Construction and setting from numbers
 // ------------------------------------------------------------------------------------------------
 
-BIG_TIME::BIG_TIME(long long value, TIME_UNIT unit) {
-    if (!set_time(value, unit))
-        mem_msg_vdebug("BIG_TIME constructor failed");
-}
-
 BIG_TIME::BIG_TIME(long long value, std::string const& unit_text) {
     if (!set_time(value, unit_text))
-        mem_msg_vdebug("BIG_TIME constructor failed");
+        tell_constructor_failed();
 }
 
-bool BIG_TIME::set_time(long long value, TIME_UNIT unit) {
-    if (!is_unit(unit))
-        return false;
-    m_value = compute_storage_number(value, unit);
-    m_unit = unit;
-    return true;
+void BIG_TIME::tell_constructor_failed() {
+    mem_msg_vdebug("BIG_TIME constructor failed");
 }
 
 bool BIG_TIME::set_time(long long value, std::string const& unit_text) {
     return set_time(value, big_get_time_unit(unit_text));
-}
-
-BIG_TIME& BIG_TIME::operator=(long long value) {
-    set_time(value, UNIT_NONE);
-    return *this;
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -244,7 +197,7 @@ bool scan_plain_number(char const*& at, char const* end, PLAIN_NUMBER& number) {
 }
 
 /// Scales a plain number into the storage unit. False for what the general reader must settle.
-bool store_plain_number(PLAIN_NUMBER const& number, int unit, bool post_messages,
+bool store_plain_number(PLAIN_NUMBER const& number, BIG_TIME::TIME_UNIT unit, bool post_messages,
                         long long& value) {
     int const resolution = BIG_TIME::s_fraction_digits[unit];
     if (resolution < 0)
@@ -263,7 +216,8 @@ bool store_plain_number(PLAIN_NUMBER const& number, int unit, bool post_messages
             return false;
         magnitude = kept;
     }
-    if (number.negative && magnitude != 0 && (is_frequency(unit) || is_data_rate(unit)))
+    if (number.negative && magnitude != 0
+        && BIG_TIME::get_unit_category(unit) != BIG_TIME::TIME_CATEGORY)
         return false;
     value = big_with_sign(magnitude, number.negative);
     return true;
@@ -278,7 +232,8 @@ std::string_view without_blanks_around(std::string_view text) {
 }
 
 /// Reads a plain number in a unit.
-bool read_plain_number(std::string_view text, int unit, bool post_messages, long long& value) {
+bool read_plain_number(std::string_view text, BIG_TIME::TIME_UNIT unit, bool post_messages,
+                       long long& value) {
     text = without_blanks_around(text);
     char const* at = text.data();
     char const* const end = at + text.size();
@@ -342,18 +297,18 @@ bool cut_to_resolution(std::string& number, int resolution) {
 
 BIG_TIME::BIG_TIME(std::string const& number_text, TIME_UNIT unit, bool post_messages) {
     if (!set_time(number_text, unit, post_messages))
-        mem_msg_vdebug("BIG_TIME constructor failed");
+        tell_constructor_failed();
 }
 
 BIG_TIME::BIG_TIME(std::string const& number_text, std::string const& unit_text,
                    bool post_messages) {
     if (!set_time(number_text, unit_text, post_messages))
-        mem_msg_vdebug("BIG_TIME constructor failed");
+        tell_constructor_failed();
 }
 
 BIG_TIME::BIG_TIME(std::string const& text, bool post_messages) {
     if (!set_time(text, post_messages))
-        mem_msg_vdebug("BIG_TIME constructor failed");
+        tell_constructor_failed();
 }
 
 bool BIG_TIME::set_time(std::string const& number_text, TIME_UNIT unit, bool post_messages) {
@@ -559,7 +514,7 @@ bool BIG_TIME::will_value_be_truncated(char const* text, std::string& truncated_
 // Storage
 // ------------------------------------------------------------------------------------------------
 
-long long BIG_TIME::compute_storage_number(long long value, TIME_UNIT unit) {
+long long BIG_TIME::scale_by_all_rules(long long value, TIME_UNIT unit) {
     if (is_frequency(unit) || is_data_rate(unit)) {
         if (value < 0)
             BIG_FAIL("Wrong concept: Negative frequency!");
@@ -581,18 +536,8 @@ long long BIG_TIME::compute_storage_number(long long value, TIME_UNIT unit) {
     return big_with_sign(magnitude, value < 0);
 }
 
-long long BIG_TIME::get_storage_number() const {
-    return is_frequency(m_unit) && m_value != 0 ? picoseconds_in_second / m_value : m_value;
-}
-
-void BIG_TIME::set_storage_number(long long count) {
-    if (!is_frequency(m_unit)) {
-        m_value = count;
-        return;
-    }
-    if (count == 0)
-        BIG_FAIL("Integer division by zero");
-    m_value = picoseconds_in_second / count;
+void BIG_TIME::report_period_of_zero() {
+    BIG_FAIL("Integer division by zero");
 }
 
 bool BIG_TIME::safe_to_convert(unsigned int byte_count) const {
@@ -603,14 +548,6 @@ bool BIG_TIME::safe_to_convert(unsigned int byte_count) const {
     // In double, as callers rely on: 2^55 - 1 and 2^63 - 1 round up by one.
     double const limit = std::ldexp(1.0, static_cast<int>(bits) - 1) - (count < 0 ? 0.0 : 1.0);
     return static_cast<unsigned long long>(limit) >= big_magnitude(count);
-}
-
-int BIG_TIME::convert_to_tsm_delay() const {
-    return safe_to_convert(sizeof(int)) ? static_cast<int>(get_storage_number()) : no_delay;
-}
-
-bool BIG_TIME::is_legal() const {
-    return !(is_frequency(m_unit) && m_value == 0);
 }
 
 bool BIG_TIME::is_logically_legal(long long const& value, TIME_UNIT const& unit) {
@@ -631,102 +568,18 @@ bool BIG_TIME::is_logically_legal(long long const& value, TIME_UNIT const& unit)
 // Arithmetic
 // ------------------------------------------------------------------------------------------------
 
-namespace {
+// The operators are compiled into their callers; here are their reports.
 
-// Sums, differences and products wrap, as callers rely on; unsigned arithmetic says so.
-
-long long wrapping_sum(long long a, long long b) {
-    return static_cast<long long>(static_cast<unsigned long long>(a)
-                                  + static_cast<unsigned long long>(b));
+void BIG_TIME::report_negation_overflow() {
+    BIG_FAIL("Overflow");
 }
 
-long long wrapping_difference(long long a, long long b) {
-    return static_cast<long long>(static_cast<unsigned long long>(a)
-                                  - static_cast<unsigned long long>(b));
+void BIG_TIME::report_division_by_zero() {
+    BIG_FAIL("Division by Zero");
 }
 
-long long wrapping_product(long long a, long long b) {
-    return static_cast<long long>(static_cast<unsigned long long>(a)
-                                  * static_cast<unsigned long long>(b));
-}
-
-/// Whether the quotient of two numbers is 2^63, the one that does not fit.
-bool quotient_overflows(long long dividend, long long divisor) {
-    return dividend == LLONG_MIN && divisor == -1;
-}
-
-} // namespace
-
-BIG_TIME BIG_TIME::operator+(BIG_TIME const& other) const {
-    BIG_TIME sum;
-    sum.m_value = wrapping_sum(m_value, other.m_value);
-    sum.m_unit = std::min(m_unit, other.m_unit);
-    return sum;
-}
-
-BIG_TIME BIG_TIME::operator-(BIG_TIME const& other) const {
-    BIG_TIME difference;
-    difference.m_value = wrapping_difference(m_value, other.m_value);
-    difference.m_unit = std::min(m_unit, other.m_unit);
-    return difference;
-}
-
-BIG_TIME& BIG_TIME::operator+=(BIG_TIME const& other) {
-    return *this = *this + other;
-}
-
-BIG_TIME& BIG_TIME::operator-=(BIG_TIME const& other) {
-    return *this = *this - other;
-}
-
-BIG_TIME BIG_TIME::operator-() {
-    if (m_value == LLONG_MIN)
-        BIG_FAIL("Overflow");
-    BIG_TIME negated; // without the unit, as callers rely on
-    negated.m_value = -m_value;
-    return negated;
-}
-
-long long BIG_TIME::operator/(BIG_TIME const& other) const {
-    return (*this / other.m_value).m_value;
-}
-
-long long BIG_TIME::operator%(BIG_TIME const& other) const {
-    if (other.m_value == 0)
-        BIG_FAIL("Modulo by Zero");
-    if (quotient_overflows(m_value, other.m_value))
-        overflow_error();
-    return m_value % other.m_value;
-}
-
-BIG_TIME BIG_TIME::operator*(long long const& factor) const {
-    BIG_TIME product = *this;
-    product.m_value = wrapping_product(m_value, factor);
-    return product;
-}
-
-BIG_TIME& BIG_TIME::operator*=(long long const& factor) {
-    return *this = *this * factor;
-}
-
-BIG_TIME BIG_TIME::operator/(long long const& divisor) const {
-    if (divisor == 0)
-        BIG_FAIL("Division by Zero");
-    if (quotient_overflows(m_value, divisor))
-        overflow_error();
-    BIG_TIME quotient = *this;
-    quotient.m_value = m_value / divisor;
-    return quotient;
-}
-
-BIG_TIME& BIG_TIME::operator/=(long long const& divisor) {
-    return *this = *this / divisor;
-}
-
-BIG_TIME& BIG_TIME::operator%=(long long const& divisor) {
-    BIG_TIME plain_divisor;
-    plain_divisor = divisor;
-    return *this = *this % plain_divisor; // the unit becomes UNIT_NONE, as callers rely on
+void BIG_TIME::report_modulo_by_zero() {
+    BIG_FAIL("Modulo by Zero");
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -734,12 +587,6 @@ BIG_TIME& BIG_TIME::operator%=(long long const& divisor) {
 // ------------------------------------------------------------------------------------------------
 
 namespace {
-
-/// Whether one of two categories is frequency and the other data rate.
-bool is_frequency_against_rate(BIG_TIME::UNIT_CATEGORY a, BIG_TIME::UNIT_CATEGORY b) {
-    return (a == BIG_TIME::FREQUENCY_CATEGORY && b == BIG_TIME::DATA_RATE_CATEGORY)
-           || (a == BIG_TIME::DATA_RATE_CATEGORY && b == BIG_TIME::FREQUENCY_CATEGORY);
-}
 
 /// The switches of operator<, read in this order. Strict mode implies the last one, which is then
 /// not read.
@@ -752,27 +599,35 @@ struct LESS_SWITCHES {
 
 } // namespace
 
-bool BIG_TIME::operator==(BIG_TIME const& other) const {
+std::atomic<bool> BIG_TIME::s_equal_is_by_default = false;
+std::atomic<bool> BIG_TIME::s_less_is_by_default = false;
+
+bool BIG_TIME::is_equal_by_switches(BIG_TIME const& other) const {
     static bool const strict_unit_mode = cfg_is_on("big_time_strict_unit_mode");
+    if (!strict_unit_mode) {
+        s_equal_is_by_default.store(true, std::memory_order_relaxed);
+        return *this == other;
+    }
     if (m_value != other.m_value)
         return false;
     UNIT_CATEGORY const a = get_unit_category(get_time_unit());
     UNIT_CATEGORY const b = get_unit_category(other.get_time_unit());
-    if (a == b)
-        return true;
     // Strict mode knows only one order of the two, as callers rely on.
-    return strict_unit_mode ? a == DATA_RATE_CATEGORY && b == FREQUENCY_CATEGORY
-                            : is_frequency_against_rate(a, b);
+    return a == b || (a == DATA_RATE_CATEGORY && b == FREQUENCY_CATEGORY);
 }
 
-bool BIG_TIME::operator<(BIG_TIME const& other) const {
+bool BIG_TIME::is_less_by_switches(BIG_TIME const& other) const {
     static LESS_SWITCHES const switches;
     bool const is_less = m_value < other.m_value;
+    if (!(switches.debug_messages_on || switches.ie_on_unit_mismatch)) {
+        s_less_is_by_default.store(true, std::memory_order_relaxed);
+        return is_less;
+    }
     if (m_value == 0 || other.m_value == 0)
         return is_less;
     UNIT_CATEGORY const a = get_unit_category(get_time_unit());
     UNIT_CATEGORY const b = get_unit_category(other.get_time_unit());
-    if (a == b || !(switches.debug_messages_on || switches.ie_on_unit_mismatch))
+    if (a == b)
         return is_less;
     mem_msg_vdebug("Attempting to compare incompatible times \"%s\" with \"%s\"!  This behavior is "
                    "deprecated!",
@@ -812,76 +667,109 @@ void BIG_TIME::set_time_unit(TIME_UNIT unit) {
 
 namespace {
 
-/// The text of a value as it is built, from the digits outwards.
-class PRINTED {
-public:
-    /// A count in decimal with the point of a unit, rounded half up on the magnitude to `precision`
-    /// places; trailing zeros but one after the point are dropped if `trim`.
-    void put_count(long long count, int resolution, unsigned int precision, bool trim) {
-        unsigned long long magnitude = big_magnitude(count);
-        int places = std::max(resolution, 0);
-        if (precision < static_cast<unsigned int>(places)) {
-            auto const step = static_cast<unsigned long long>(
-                BIG_TIME::s_power_10_table[places - static_cast<int>(precision)]);
-            magnitude = (magnitude + step / 2) / step; // at most 2^63 + 5 x 10^11: no overflow
-            places = static_cast<int>(precision);
-        }
-        m_begin = big_write_digits(m_end, magnitude);
-        if (places > 0) {
-            place_point(places);
-            if (trim)
-                while (m_end[-1] == '0' && m_end[-2] != '.')
-                    --m_end;
-        } else {
-            for (; resolution < 0; ++resolution)
-                *m_end++ = '0'; // femtoseconds: a zero count too, which makes 0000
-        }
-        if (count < 0)
-            *--m_begin = '-';
-    }
+// Each of these writes at `to` and returns the end of what it wrote; up to 16 bytes behind it are
+// overwritten too. A whole text, with sign, 19 digits, point, 12 decimal places, a blank and the
+// longest unit, keeps within BIG_TEXT_ROOM.
 
-    void append(std::string_view text) {
-        std::memcpy(m_end, text.data(), text.size());
-        m_end += text.size();
-    }
+char* put_text(char* to, std::string_view text) {
+    std::memcpy(to, text.data(), text.size());
+    return to + text.size();
+}
 
-    void append_unit(int unit) {
-        *m_end++ = ' ';
-        append(name_of_unit[unit]);
-    }
-
-    std::string_view text() const { return {m_begin, static_cast<std::size_t>(m_end - m_begin)}; }
-
-private:
-    /// Puts the point before the last `places` digits, with zeros in front of too few.
-    void place_point(int places) {
-        while (m_end - m_begin <= places)
-            *--m_begin = '0';
-        std::ptrdiff_t const digits_before_point = m_end - m_begin - places;
-        std::memmove(m_begin - 1, m_begin, static_cast<std::size_t>(digits_before_point));
-        --m_begin;
-        m_begin[digits_before_point] = '.';
-    }
-
-    // Before the middle: a sign, 20 digits and a point. Behind it: three zeros, a blank and the
-    // longest unit.
-    static constexpr std::size_t before_middle = 32;
-    char m_buffer[before_middle + 16];
-    char* m_end = m_buffer + before_middle;
-    char* m_begin = m_end;
+/// A blank and the name of a unit: copied by their fixed room, so that no length is looked at.
+struct UNIT_SUFFIX {
+    static constexpr std::size_t room = 16;
+    char text[room];
+    std::size_t length;
 };
+#define SUFFIX(unit, text, power) {" " text, sizeof(" " text) - 1},
+constexpr UNIT_SUFFIX suffix_of_unit[] = {BIG_UNIT_ROWS(SUFFIX)};
+#undef SUFFIX
 
-/// Prints the number of a time in a unit. `across_categories` turns a frequency into its period and
-/// the other way round.
-void print_number(PRINTED& out, long long count, bool across_categories, int unit,
-                  unsigned int precision, bool trim) {
-    if (!across_categories)
-        out.put_count(count, BIG_TIME::s_fraction_digits[unit], precision, trim);
-    else if (count == 0)
-        out.append("INF");
-    else
-        out.put_count(picoseconds_in_second / count, BIG_TIME::s_fraction_digits[unit], precision,
-                      trim);
+char* put_unit(char* to, int unit) {
+    std::memcpy(to, suffix_of_unit[unit].text, UNIT_SUFFIX::room);
+    return to + suffix_of_unit[unit].length;
+}
+
+/// How many of sixteen digits, given as two numbers of eight, are left when the zeros at the end
+/// are dropped, all but the first digit.
+int digits_without_zeros_at_end(unsigned long long first, unsigned long long second) {
+    if (second != 0)
+        return 16 - std::countl_zero(second) / 8;
+    return first != 0 ? 8 - std::countl_zero(first) / 8 : 1;
+}
+
+/// The decimal places of a number: `fraction` / 10^places. With `trim`, zeros at the end are
+/// dropped, all but the first place.
+char* put_fraction(char* to, unsigned long long fraction, int places, bool trim) {
+    constexpr int eight = 8;
+    bool const is_short = places <= eight;
+    auto const power = [](int exponent) {
+        return static_cast<unsigned long long>(BIG_TIME::s_power_10_table[exponent]);
+    };
+    unsigned long long const first_eight =
+        is_short ? fraction * power(eight - places) : fraction / power(places - eight);
+    unsigned long long const first = big_eight_digits(static_cast<unsigned int>(first_eight));
+    big_store_eight_digits(to, first);
+    unsigned long long second = 0;
+    if (!is_short) {
+        unsigned long long const rest = fraction % power(places - eight) * power(16 - places);
+        second = big_eight_digits(static_cast<unsigned int>(rest));
+        big_store_eight_digits(to + eight, second);
+    }
+    return to + (trim ? digits_without_zeros_at_end(first, second) : places);
+}
+
+/// A count in decimal with the point of a unit, rounded half up on the magnitude to `precision`
+/// places; trailing zeros but one after the point are dropped if `trim`.
+char* put_count(char* to, long long count, int resolution, unsigned int precision, bool trim) {
+    unsigned long long magnitude = big_magnitude(count);
+    int places = std::max(resolution, 0);
+    if (precision < static_cast<unsigned int>(places)) {
+        auto const step = static_cast<unsigned long long>(
+            BIG_TIME::s_power_10_table[places - static_cast<int>(precision)]);
+        magnitude = (magnitude + step / 2) / step; // at most 2^63 + 5 x 10^11: no overflow
+        places = static_cast<int>(precision);
+    }
+    *to = '-'; // which the first digit overwrites when there is no sign
+    to += count < 0 ? 1 : 0;
+    if (places == 0) {
+        to = big_put_number(to, magnitude);
+        for (; resolution < 0; ++resolution)
+            *to++ = '0'; // femtoseconds: a zero count too, which makes 0000
+        return to;
+    }
+    auto const one = static_cast<unsigned long long>(BIG_TIME::s_power_10_table[places]);
+    to = big_put_number(to, magnitude / one);
+    *to++ = '.';
+    return put_fraction(to, magnitude % one, places, trim);
+}
+
+/// The number of a time in a unit. `across_categories` turns a frequency into its period and the
+/// other way round.
+char* put_number(char* to, long long count, bool across_categories, int unit,
+                 unsigned int precision, bool trim) {
+    if (across_categories) {
+        if (count == 0)
+            return put_text(to, "INF");
+        count = BIG_TIME::PICOSECONDS_IN_SECOND / count;
+    }
+    return put_count(to, count, BIG_TIME::s_fraction_digits[unit], precision, trim);
+}
+
+/// Makes the text that `write` writes the whole content of a string: in place, if it has room for
+/// any; a string gets that room when it needs more than it has.
+template <typename WRITE>
+void assign_time_text(std::string* out, WRITE write) {
+    if (out->capacity() >= BIG_TEXT_ROOM) {
+        big_assign_text(out, BIG_TEXT_ROOM, write);
+        return;
+    }
+    char text[BIG_TEXT_ROOM];
+    std::size_t const length = write(text);
+    if (length > out->capacity())
+        out->reserve(BIG_TEXT_ROOM);
+    out->assign(text, length);
 }
 
 /// The unit in which a count of picoseconds is easy to read.
@@ -926,9 +814,11 @@ std::string* BIG_TIME::to_string_without_unit(std::string* text, TIME_UNIT unit,
     if (unit == own_unit)
         unit = get_time_unit();
     get_time_unit_string(unit); // refuses what is no unit
-    PRINTED printed;
-    print_number(printed, m_value, across_categories, unit, precision, trim);
-    return &text->assign(printed.text());
+    assign_time_text(text, [&](char* to) {
+        char* const end = put_number(to, m_value, across_categories, unit, precision, trim);
+        return static_cast<std::size_t>(end - to);
+    });
+    return text;
 }
 
 std::string BIG_TIME::to_string_without_unit(TIME_UNIT unit, unsigned short precision,
@@ -944,12 +834,14 @@ std::string* BIG_TIME::to_string(std::string* text, TIME_UNIT unit, unsigned sho
     if (unit == own_unit)
         unit = get_time_unit();
     get_time_unit_string(unit); // refuses what is no unit
-    PRINTED printed;
-    print_number(printed, m_value, is_frequency(m_unit) != is_frequency(unit), unit, precision,
-                 trim);
-    if (unit != UNIT_NONE)
-        printed.append_unit(unit);
-    return &text->assign(printed.text());
+    bool const across_categories = is_frequency(m_unit) != is_frequency(unit);
+    assign_time_text(text, [&](char* to) {
+        char* end = put_number(to, m_value, across_categories, unit, precision, trim);
+        if (unit != UNIT_NONE)
+            end = put_unit(end, unit);
+        return static_cast<std::size_t>(end - to);
+    });
+    return text;
 }
 
 std::string BIG_TIME::to_string(TIME_UNIT unit, unsigned short precision, bool trim) const {
@@ -973,91 +865,21 @@ std::string BIG_TIME::to_string(unsigned short precision) const {
 
 std::string BIG_TIME::to_raw_string() const {
     get_time_unit_string(get_time_unit()); // refuses what is no unit
-    PRINTED printed;
-    if (m_unit == UNIT_FS && m_value == 0)
-        printed.append("0"); // the canonical form of the 0000 that putting it gives
-    else
-        printed.put_count(m_value, s_fraction_digits[m_unit], USHRT_MAX, true);
-    printed.append_unit(m_unit); // for UNIT_NONE a blank all the same, as callers rely on
-    return std::string(printed.text());
+    char text[BIG_TEXT_ROOM];
+    bool const is_zero_fs = m_unit == UNIT_FS && m_value == 0;
+    char* const end =
+        is_zero_fs ? put_text(text, "0") // the canonical form of the 0000 that putting it gives
+                   : put_count(text, m_value, s_fraction_digits[m_unit], USHRT_MAX, true);
+    // For UNIT_NONE a blank all the same, as callers rely on.
+    return std::string(text, put_unit(end, m_unit));
 }
 
 // ------------------------------------------------------------------------------------------------
 // Frequencies
 // ------------------------------------------------------------------------------------------------
 
-namespace {
+// The conversions are compiled into their callers; here is their report.
 
-/// 1 s in picoseconds as the doubles below use it.
-constexpr double picoseconds_in_second_as_double = 1e12;
-
-/// Ties the double to the integer rule by which BIG_TIME turns a period of 1 ps into hertz.
-void check_picoseconds_in_second() {
-    BIG_TIME one_time_unit(1, BIG_TIME::UNIT_HZ);
-    one_time_unit.set_storage_number(1);
-    BIG_REQUIRE(one_time_unit.get_time_value() == 1000000000000LL);
-}
-
-/// The integer part of a double; what does not fit, a not-a-number included, gives the smallest
-/// number of the type, as the common hardware has it.
-template <typename INTEGER>
-INTEGER integer_part(double value) {
-    constexpr INTEGER smallest = std::numeric_limits<INTEGER>::min();
-    // -2^n and 2^n are doubles; the smallest number may have a fraction to lose in 32 bits only.
-    double const end = -static_cast<double>(smallest);
-    bool const fits = std::trunc(value) >= -end && value < end;
-    return fits ? static_cast<INTEGER>(value) : smallest;
-}
-
-template <typename INTEGER>
-void write_period(double frequency, INTEGER* period) {
-    if (frequency == 0.0)
-        return;
-    check_picoseconds_in_second();
-    *period = integer_part<INTEGER>(picoseconds_in_second_as_double / frequency);
-}
-
-} // namespace
-
-BIG_FREQUENCY::BIG_FREQUENCY(int period) {
-    compute_from_period(period);
-}
-
-BIG_FREQUENCY::BIG_FREQUENCY(BIG_TIME& time) {
-    compute_from_big_time(time);
-}
-
-void BIG_FREQUENCY::compute_from_period(int period) {
-    if (period == no_delay) {
-        m_value = 0.0;
-        return;
-    }
-    check_picoseconds_in_second();
-    m_value = picoseconds_in_second_as_double / period; // a period of 0 gives infinity
-}
-
-void BIG_FREQUENCY::compute_from_big_time(BIG_TIME time) {
-    int const delay = time.convert_to_tsm_delay();
-    if (BIG_TIME::get_unit_category(time.get_time_unit()) != BIG_TIME::FREQUENCY_CATEGORY)
-        compute_from_period(delay);
-    else
-        m_value = delay == 0 ? 0.0 : static_cast<double>(time.get_time_value());
-}
-
-void BIG_FREQUENCY::compute_period(int* period) {
-    write_period(m_value, period);
-}
-
-void BIG_FREQUENCY::compute_period(long long* period) {
-    write_period(m_value, period);
-}
-
-BIG_FREQUENCY operator*(BIG_FREQUENCY frequency, long long factor) {
-    frequency.m_value = static_cast<double>(factor) * frequency.m_value;
-    return frequency;
-}
-
-BIG_FREQUENCY operator/(BIG_FREQUENCY frequency, long long divisor) {
-    frequency.m_value /= static_cast<double>(divisor);
-    return frequency;
+void BIG_FREQUENCY::report_picoseconds_in_second() {
+    BIG_FAIL("one_time_unit.get_time_value() == 1000000000000LL");
 }

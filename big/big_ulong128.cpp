@@ -24,8 +24,6 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 #include "big_digits.h"
 #include "big_ulong128_internal.h"
 
-#include <string_view>
-
 BIG_ULONG128_DECIMAL_TABLE BIG_ULONG128::s_table;
 
 namespace {
@@ -197,31 +195,80 @@ BIG_ULONG128_DECIMAL_TABLE::~BIG_ULONG128_DECIMAL_TABLE() {}
 
 namespace {
 
-/// A value is written as up to three groups of 19 digits: the largest power of ten in a word.
-constexpr std::size_t DIGITS_IN_GROUP = 19;
-constexpr unsigned long long GROUP = 10000000000000000000ull;
+// A number of more than one word has up to 39 digits: at most 7, 16 and 16. The two divisions are
+// multiplications by a reciprocal of 64 bits and more that is cut below the last place, so that a
+// quotient may be too small by one. It is never too large, and then its remainder tells (Granlund &
+// Montgomery, "Division by invariant integers using multiplication", 1994).
 
-struct TEXT_BUFFER {
-    char m_bytes[2 * DIGITS_IN_GROUP + BIG_DIGITS_ROOM];
+constexpr unsigned long long TEN_TO_16 = 10000000000000000;
+constexpr WIDE TEN_TO_32 = static_cast<WIDE>(TEN_TO_16) * TEN_TO_16;
 
-    char* end() { return m_bytes + sizeof m_bytes; }
-};
+constexpr unsigned long long high_product(unsigned long long a, unsigned long long b) {
+    return static_cast<unsigned long long>(static_cast<WIDE>(a) * b >> 64);
+}
 
-/// The decimal digits of a number, made in a buffer. Zero has none.
-std::string_view decimal_digits(WIDE value, TEXT_BUFFER& buffer) {
-    if (value == 0)
-        return {};
-    char* group_end = buffer.end();
-    while (value >> 64 != 0) {
-        unsigned long long const high = static_cast<unsigned long long>(value >> 64);
-        DIVISION const low_group =
-            divide_words(high % GROUP, static_cast<unsigned long long>(value), GROUP);
-        big_write_24_digits(group_end, low_group.remainder);
-        group_end -= DIGITS_IN_GROUP; // the next group overwrites the zeros in front
-        value = static_cast<WIDE>(high / GROUP) << 64 | low_group.quotient;
+/// Divides by 10^32 and leaves the remainder.
+unsigned int take_quotient_by_ten_to_32(WIDE& value) {
+    // 2^149 / 10^32: with the upper word of the value, 2^85 times the quotient.
+    constexpr auto reciprocal =
+        static_cast<unsigned long long>((static_cast<WIDE>(1) << 117) / (TEN_TO_32 >> 32));
+    unsigned long long quotient =
+        high_product(static_cast<unsigned long long>(value >> 64), reciprocal) >> 21;
+    value -= quotient * TEN_TO_32;
+    if (value >= TEN_TO_32) [[unlikely]] {
+        ++quotient;
+        value -= TEN_TO_32;
     }
-    char const* const first = big_write_digits(group_end, static_cast<unsigned long long>(value));
-    return {first, static_cast<std::size_t>(buffer.end() - first)};
+    return static_cast<unsigned int>(quotient);
+}
+
+/// Divides a number below 10^32 by 10^16 and leaves the remainder.
+unsigned long long take_quotient_by_ten_to_16(WIDE& value) {
+    // 2^117 / 10^16: with the value's upper 64 of 107 bits, 2^74 times the quotient.
+    constexpr auto reciprocal =
+        static_cast<unsigned long long>((static_cast<WIDE>(1) << 117) / TEN_TO_16);
+    unsigned long long quotient =
+        high_product(static_cast<unsigned long long>(value >> 43), reciprocal) >> 10;
+    value -= static_cast<WIDE>(quotient) * TEN_TO_16;
+    if (value >= TEN_TO_16) [[unlikely]] {
+        ++quotient;
+        value -= TEN_TO_16;
+    }
+    return quotient;
+}
+
+/// Makes the decimal digits of a number the whole content of a string. Zero has none.
+void assign_digits(std::string* out, WIDE value) {
+    if (value >> 64 == 0) {
+        if (value == 0)
+            out->clear();
+        else
+            big_assign_number(out, static_cast<unsigned long long>(value), false);
+        return;
+    }
+    unsigned int const top = take_quotient_by_ten_to_32(value);
+    unsigned long long const middle = take_quotient_by_ten_to_16(value);
+    BIG_SIXTEEN_DIGITS const lower_digits = big_sixteen_digits(static_cast<unsigned long long>(value));
+    BIG_SIXTEEN_DIGITS middle_digits = big_sixteen_digits(middle);
+
+    if (top == 0) { // and the middle is not
+        std::size_t const length = big_digit_count(middle);
+        middle_digits.drop_zeros(16 - length);
+        big_assign_text(out, length + 16, [&](char* to) {
+            middle_digits.store(to);
+            lower_digits.store(to + length);
+            return length + 16;
+        });
+        return;
+    }
+    std::size_t const length = big_digit_count(top);
+    unsigned long long const top_digits = big_eight_digits(top) >> 8 * (8 - length);
+    big_assign_text(out, length + 32, [&](char* to) {
+        big_store_eight_digits(to, top_digits);
+        middle_digits.store(to + length);
+        lower_digits.store(to + length + 16);
+        return length + 32;
+    });
 }
 
 } // namespace
@@ -229,12 +276,12 @@ std::string_view decimal_digits(WIDE value, TEXT_BUFFER& buffer) {
 // Zero and an erased value have no digit, and so an empty text. It has always been so: callers that
 // want "0" supply it.
 std::string* BIG_ULONG128::to_string(std::string* out) const {
-    TEXT_BUFFER buffer;
-    *out = decimal_digits(value(), buffer);
+    assign_digits(out, value());
     return out;
 }
 
 std::string BIG_ULONG128::to_string() const {
-    TEXT_BUFFER buffer;
-    return std::string(decimal_digits(value(), buffer));
+    std::string text;
+    assign_digits(&text, value());
+    return text;
 }

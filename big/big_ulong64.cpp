@@ -8,14 +8,13 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 #include "big_sys.h"
 
 std::string* big_ulong64_to_string(unsigned long long value, std::string* out) {
-    BIG_DIGITS_BUFFER buffer;
-    big_assign_digits(out, buffer, big_write_digits(buffer.end(), value));
+    big_assign_number(out, value, false);
     return out;
 }
 
 std::string big_ulong64_to_string(unsigned long long value) {
     std::string text;
-    big_ulong64_to_string(value, &text);
+    big_assign_number(&text, value, false);
     return text;
 }
 

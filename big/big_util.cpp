@@ -27,6 +27,10 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 //
 // Each algorithm is written once, for the unsigned integers of the machine. The signed forms bring
 // magnitudes to it, the 128-bit forms the machine's own 128-bit integer.
+//
+// The forms by remainders and by halving have the same results, and one algorithm that takes the
+// best of both: a remainder where the operands differ much in size, which halving would bring down
+// bit by bit, and halving where they do not, since a division takes as long as several halvings.
 
 namespace {
 
@@ -45,50 +49,120 @@ UNSIGNED gcd_by_subtraction(UNSIGNED a, UNSIGNED b) {
     return a;
 }
 
-/// Replaces the pair by the smaller and the remainder until that is 0.
-template <typename UNSIGNED>
-UNSIGNED gcd_by_remainders(UNSIGNED a, UNSIGNED b) {
-    while (b != 0)
-        a = std::exchange(b, a % b);
-    return a;
-}
-
 /// The zero bits below the lowest one bit of a number other than 0.
-template <typename UNSIGNED>
-int trailing_zeros(UNSIGNED value) {
-    if constexpr (sizeof(UNSIGNED) > sizeof(ULONG64)) {
-        auto const low = static_cast<ULONG64>(value);
-        return low != 0 ? std::countr_zero(low)
-                        : 64 + std::countr_zero(static_cast<ULONG64>(value >> 64));
-    } else {
-        return std::countr_zero(value);
-    }
+int trailing_zeros(ULONG64 value) {
+    return __builtin_ctzll(value);
+}
+int trailing_zeros(UINT128 value) {
+    auto const low = static_cast<ULONG64>(value);
+    return low != 0 ? trailing_zeros(low) : 64 + trailing_zeros(static_cast<ULONG64>(value >> 64));
 }
 
-/// Replaces the larger of two odd numbers by its difference to the smaller, made odd again by as
-/// many halvings at once as it has trailing zeros, until both are equal. The halvings that both
-/// numbers allow at first are undone at the end.
-template <typename UNSIGNED>
-UNSIGNED gcd_by_halving(UNSIGNED a, UNSIGNED b) {
-    if (a == 0 || b == 0)
-        return a | b;
-    int const common_halvings = trailing_zeros(a | b);
-    a >>= trailing_zeros(a);
-    b >>= trailing_zeros(b);
+// One turn of halving: the larger of two numbers gives way to the difference, which comes to be a,
+// and the smaller to be b. Which one is larger is as good as random, so that a branch would be
+// guessed wrong every other time. Compilers make one all the same, some at one level of
+// optimization and some at another, and so the choice is spelled out as conditional moves.
+
+void subtract_smaller(ULONG64& a, ULONG64& b) {
+    ULONG64 difference = a - b;
+    ULONG64 const negated = b - a;
+#if defined(__x86_64__) && !defined(BIG_PORTABLE)
+    __asm__("cmpq %[b], %[a]\n\t"
+            "cmovbq %[negated], %[difference]\n\t"
+            "cmovbq %[a], %[b]"
+            : [difference] "+&r"(difference), [b] "+&r"(b)
+            : [a] "r"(a), [negated] "r"(negated)
+            : "cc");
+#else
+    difference = a < b ? negated : difference;
+    b = a < b ? a : b;
+#endif
+    a = difference;
+}
+
+ULONG64 low_word(UINT128 value) {
+    return static_cast<ULONG64>(value);
+}
+ULONG64 high_word(UINT128 value) {
+    return static_cast<ULONG64>(value >> 64);
+}
+
+void subtract_smaller(UINT128& a, UINT128& b) {
+    UINT128 const difference = a - b;
+    UINT128 const negated = b - a;
+#if defined(__x86_64__) && !defined(BIG_PORTABLE)
+    ULONG64 low = low_word(difference);
+    ULONG64 high = high_word(difference);
+    ULONG64 b_low = low_word(b);
+    ULONG64 b_high = high_word(b);
+    ULONG64 borrow = high_word(a);
+    __asm__("cmpq %[b_low], %[a_low]\n\t"
+            "sbbq %[b_high], %[borrow]\n\t"
+            "cmovbq %[negated_low], %[low]\n\t"
+            "cmovbq %[negated_high], %[high]\n\t"
+            "cmovbq %[a_low], %[b_low]\n\t"
+            "cmovbq %[a_high], %[b_high]"
+            : [low] "+&r"(low), [high] "+&r"(high), [b_low] "+&r"(b_low), [b_high] "+&r"(b_high),
+              [borrow] "+&r"(borrow)
+            : [a_low] "r"(low_word(a)), [a_high] "r"(high_word(a)),
+              [negated_low] "r"(low_word(negated)), [negated_high] "r"(high_word(negated))
+            : "cc");
+    a = UINT128{high} << 64 | low;
+    b = UINT128{b_high} << 64 | b_low;
+#else
+    bool const is_less = a < b;
+    b = is_less ? a : b;
+    a = is_less ? negated : difference;
+#endif
+}
+
+// The greatest common divisor of two odd numbers (Stein, "Computational problems associated with
+// Racah algebra", 1967): the larger is replaced by its difference to the smaller, made odd again by
+// as many halvings at once as it has trailing zeros, until both are equal. The trailing zeros are
+// those of the difference either way round, so that their count need not wait for the choice.
+
+ULONG64 gcd_of_odd(ULONG64 a, ULONG64 b) {
     while (a != b) {
-        if constexpr (sizeof(UNSIGNED) > sizeof(ULONG64))
-            if ((a | b) >> 64 == 0)
-                return UNSIGNED{gcd_by_halving(static_cast<ULONG64>(a), static_cast<ULONG64>(b))}
-                       << common_halvings;
-        // Nothing here is a branch, which would be guessed wrong every other time. b - a has the
-        // same trailing zeros, so that their count need not wait for the comparison.
-        UNSIGNED const difference = a - b;
-        int const halvings = trailing_zeros(difference);
-        UNSIGNED const sign = 0 - UNSIGNED{a < b}; // all ones below 0
-        b = std::min(a, b);
-        a = ((difference ^ sign) - sign) >> halvings; // the magnitude of the difference
+        int const halvings = trailing_zeros(a - b);
+        subtract_smaller(a, b);
+        a >>= halvings;
     }
-    return a << common_halvings;
+    return b;
+}
+
+UINT128 gcd_of_odd(UINT128 a, UINT128 b) {
+    while ((a | b) >> 64 != 0) {
+        ULONG64 const low_difference = low_word(a - b);
+        subtract_smaller(a, b);
+        if (low_difference == 0) [[unlikely]] {
+            if (a == 0)
+                return b;
+            a = high_word(a) >> trailing_zeros(high_word(a));
+            continue;
+        }
+        // Word by word: the language's shift would ask whether it is one by 64 bits or more.
+        int const halvings = trailing_zeros(low_difference);
+        a = UINT128{high_word(a) >> halvings} << 64
+            | (low_word(a) >> halvings | high_word(a) << 1 << (63 - halvings));
+    }
+    return gcd_of_odd(low_word(a), low_word(b));
+}
+
+/// The greatest common divisor; an operand of 0 gives the other one.
+template <typename UNSIGNED>
+UNSIGNED greatest_common_divisor(UNSIGNED a, UNSIGNED b) {
+    constexpr int much_larger = 12; // bits from which on a division is quicker
+    if (a < b)
+        std::swap(a, b);
+    if (b == 0)
+        return a;
+    if (a >> much_larger >= b) {
+        a %= b;
+        if (a == 0)
+            return b;
+    }
+    int const common_halvings = trailing_zeros(a | b);
+    return gcd_of_odd(a >> trailing_zeros(a), b >> trailing_zeros(b)) << common_halvings;
 }
 
 UINT128 to_machine(BIG_ULONG128& value) {
@@ -137,27 +211,27 @@ BIG_ULONG128 big_gcd_additive(BIG_ULONG128 a, BIG_ULONG128 b) {
 }
 
 unsigned int big_gcd_modulo(unsigned int a, unsigned int b) {
-    return gcd_by_remainders(a, b);
+    return static_cast<unsigned int>(greatest_common_divisor<ULONG64>(a, b));
 }
 
 long long big_gcd_modulo(long long a, long long b) {
-    return static_cast<long long>(gcd_by_remainders(big_magnitude(a), big_magnitude(b)));
+    return static_cast<long long>(greatest_common_divisor(big_magnitude(a), big_magnitude(b)));
 }
 
 BIG_ULONG128 big_gcd_modulo(BIG_ULONG128 a, BIG_ULONG128 b) {
-    return gcd_of_wide<gcd_by_remainders>(a, b);
+    return gcd_of_wide<greatest_common_divisor>(a, b);
 }
 
 unsigned int big_gcd_binary(unsigned int a, unsigned int b) {
-    return gcd_by_halving(a, b);
+    return static_cast<unsigned int>(greatest_common_divisor<ULONG64>(a, b));
 }
 
 long long big_gcd_binary(long long a, long long b) {
-    return static_cast<long long>(gcd_by_halving(big_magnitude(a), big_magnitude(b)));
+    return static_cast<long long>(greatest_common_divisor(big_magnitude(a), big_magnitude(b)));
 }
 
 BIG_ULONG128 big_gcd_binary(BIG_ULONG128 a, BIG_ULONG128 b) {
-    return gcd_of_wide<gcd_by_halving>(a, b);
+    return gcd_of_wide<greatest_common_divisor>(a, b);
 }
 
 void big_suppress_gcd(long long& numerator, long long& denominator) {

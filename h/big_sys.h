@@ -19,6 +19,7 @@
 
 #include "err_sys.h"
 
+#include <atomic>
 #include <cstring>
 #include <string>
 #include <type_traits>
@@ -92,6 +93,9 @@ public:
     /// Entries of s_power_10_table.
     static constexpr unsigned long MAX_DIGITS_IN_SMALLEST_TIME_UNIT = 19;
 
+    /// 1 s in picoseconds: what a frequency in hertz and its period in picoseconds multiply to.
+    static constexpr long long PICOSECONDS_IN_SECOND = 1000000000000LL;
+
     // --- Units and their tables ---
 
     /// The name of each unit, which parsing accepts and printing appends; empty for UNIT_NONE.
@@ -104,7 +108,7 @@ public:
     static long long const s_power_10_table[MAX_DIGITS_IN_SMALLEST_TIME_UNIT];
 
     /// What a unit measures; INVALID_CATEGORY below 0 and from 15 on. Never fails.
-    static UNIT_CATEGORY get_unit_category(TIME_UNIT unit);
+    BIG_INLINE static UNIT_CATEGORY get_unit_category(TIME_UNIT unit);
 
     /// The name of a unit. Internal errors: "unit >= MIN_TIME_UNITS" below 0, "unit <
     /// MAX_TIME_UNIT" from 15 on.
@@ -131,7 +135,7 @@ public:
 
     /// Takes the numerically smaller of two units, which is the unit of a sum; the count stays.
     /// Smaller by number, not by size: ps (2) beats ns (3), and UNIT_NONE (0) beats everything.
-    void set_smaller_unit(TIME_UNIT a, TIME_UNIT b);
+    BIG_INLINE void set_smaller_unit(TIME_UNIT a, TIME_UNIT b) { m_unit = a < b ? a : b; }
 
     // --- Construction and setting from numbers ---
 
@@ -149,7 +153,7 @@ public:
 
     /// A number of units, as set_time() takes it. When it refuses, the default state stays and the
     /// debug message "BIG_TIME constructor failed" is written.
-    BIG_TIME(long long value, TIME_UNIT unit);
+    BIG_INLINE BIG_TIME(long long value, TIME_UNIT unit);
     BIG_TIME(long long value, std::string const& unit_text);
     /// A unit by its number, of which 0 would be taken for a null unit_text.
     template <typename NUMBER, std::enable_if_t<std::is_integral_v<NUMBER>, int> = 0>
@@ -161,7 +165,7 @@ public:
     /// Holds a number of units, scaled into the storage unit. A unit text is a unit's name in any
     /// letter case, or blank for UNIT_NONE. A unit outside 0 to 14, or a text that names none,
     /// returns false and changes nothing. Internal errors are those of compute_storage_number().
-    bool set_time(long long value, TIME_UNIT unit);
+    BIG_INLINE bool set_time(long long value, TIME_UNIT unit);
     bool set_time(long long value, std::string const& unit_text);
     template <typename NUMBER, std::enable_if_t<std::is_integral_v<NUMBER>, int> = 0>
     bool set_time(long long value, NUMBER unit_number) = delete;
@@ -171,7 +175,7 @@ public:
     }
 
     /// Holds a plain count with UNIT_NONE.
-    BIG_TIME& operator=(long long value);
+    BIG_INLINE BIG_TIME& operator=(long long value);
 
     // --- Construction and setting from text ---
 
@@ -277,15 +281,15 @@ public:
     ///
     /// @param value the number
     /// @param unit  0 to 14; outside, the internal errors of get_time_unit_string()
-    static long long compute_storage_number(long long value, TIME_UNIT unit);
+    BIG_INLINE static long long compute_storage_number(long long value, TIME_UNIT unit);
 
     /// The stored count; for a frequency other than 0 its period in picoseconds, cut toward zero.
-    long long get_storage_number() const;
+    BIG_INLINE long long get_storage_number() const;
 
     /// Stores a count and keeps the unit. For a frequency the count is a period in picoseconds, of
     /// which the frequency, cut toward zero, is stored; 0 is the internal error "Integer division
     /// by zero".
-    void set_storage_number(long long count);
+    BIG_INLINE void set_storage_number(long long count);
 
     /// Whether get_storage_number() fits a signed integer of some bytes. The limits are doubles, on
     /// which callers rely: 7 bytes admit 2^55 too, 8 and more admit everything. The bits are
@@ -293,10 +297,10 @@ public:
     bool safe_to_convert(unsigned int byte_count) const;
 
     /// get_storage_number() as a 32-bit delay, or -2147483647 (0x80000001) when it does not fit.
-    int convert_to_tsm_delay() const;
+    BIG_INLINE int convert_to_tsm_delay() const;
 
     /// False only for a frequency of 0; a data rate of 0 is legal.
-    bool is_legal() const;
+    BIG_INLINE bool is_legal() const { return !(is_frequency(m_unit) && m_value == 0); }
 
     /// False for a negative frequency or data rate, with a debug message; true for anything else.
     static bool is_logically_legal(long long const& value, TIME_UNIT const& unit);
@@ -304,33 +308,33 @@ public:
     // --- Arithmetic, on the stored counts whatever their units ---
 
     /// Sum and difference, which wrap; the unit is the one set_smaller_unit() takes.
-    BIG_TIME operator+(BIG_TIME const& other) const;
-    BIG_TIME operator-(BIG_TIME const& other) const;
-    BIG_TIME& operator+=(BIG_TIME const& other);
-    BIG_TIME& operator-=(BIG_TIME const& other);
+    BIG_INLINE BIG_TIME operator+(BIG_TIME const& other) const;
+    BIG_INLINE BIG_TIME operator-(BIG_TIME const& other) const;
+    BIG_INLINE BIG_TIME& operator+=(BIG_TIME const& other) { return *this = *this + other; }
+    BIG_INLINE BIG_TIME& operator-=(BIG_TIME const& other) { return *this = *this - other; }
 
     /// The negated count with UNIT_NONE: negation drops the unit. Internal error "Overflow" for
     /// -2^63.
-    BIG_TIME operator-();
+    BIG_INLINE BIG_TIME operator-();
 
     /// Quotient, cut toward zero, and remainder, with the sign of the dividend, of two counts.
     /// Internal errors: "Division by Zero", "Modulo by Zero"; "Overflow", with the tag "BIG" and
     /// the path "h/big_sys", for -2^63 by -1.
-    long long operator/(BIG_TIME const& other) const;
-    long long operator%(BIG_TIME const& other) const;
+    BIG_INLINE long long operator/(BIG_TIME const& other) const;
+    BIG_INLINE long long operator%(BIG_TIME const& other) const;
 
     /// The count times a factor, which wraps; the unit stays.
-    BIG_TIME operator*(long long const& factor) const;
-    BIG_TIME& operator*=(long long const& factor);
+    BIG_INLINE BIG_TIME operator*(long long const& factor) const;
+    BIG_INLINE BIG_TIME& operator*=(long long const& factor) { return *this = *this * factor; }
 
     /// The count divided by a number, cut toward zero; the unit stays. Internal errors: "Division
     /// by Zero"; "Overflow", with the tag "BIG" and the path "h/big_sys", for -2^63 by -1.
-    BIG_TIME operator/(long long const& divisor) const;
-    BIG_TIME& operator/=(long long const& divisor);
+    BIG_INLINE BIG_TIME operator/(long long const& divisor) const;
+    BIG_INLINE BIG_TIME& operator/=(long long const& divisor) { return *this = *this / divisor; }
 
     /// The remainder of the count by a number; the unit becomes UNIT_NONE. Internal errors: "Modulo
     /// by Zero"; "Overflow", with the tag "BIG" and the path "h/big_sys", for -2^63 by -1.
-    BIG_TIME& operator%=(long long const& divisor);
+    BIG_INLINE BIG_TIME& operator%=(long long const& divisor);
 
     // --- Comparison and change of unit ---
 
@@ -339,14 +343,14 @@ public:
     ///
     /// The switch is read on the first call and kept. Where the platform cannot read it and throws
     /// (the standalone one std::runtime_error), the call ends there and the next one asks again.
-    bool operator==(BIG_TIME const& other) const;
+    BIG_INLINE bool operator==(BIG_TIME const& other) const;
 
     /// Compares the counts. When neither is 0 and the categories differ, the switches
     /// "big_time_debug_unit_mismatches", "big_time_strict_unit_mode" and
     /// "big_time_ie_on_unit_mismatch" ask for a debug message, and the last two for the internal
     /// error "Cannot compare incompatible units!" (the last one not for a frequency and a rate).
     /// They are read as that of operator== is, with the same exception.
-    bool operator<(BIG_TIME const& other) const;
+    BIG_INLINE bool operator<(BIG_TIME const& other) const;
 
     /// Changes one time unit into another; the count stays. A change from or to a frequency or data
     /// rate is refused with a debug message, and with the switch
@@ -404,6 +408,64 @@ public:
     static PDB_CLASS_THUNK<BIG_TIME> s_thunk;
 
 private:
+    friend class BIG_FREQUENCY;
+
+    using COUNT_BITS = unsigned long long; ///< a count as its bits, whose arithmetic wraps
+
+    /// The delay of a time that does not fit 32 bits: 0x80000001.
+    static constexpr int NO_DELAY = -2147483647;
+
+    BIG_LOCAL static bool is_frequency(int unit) { return unit >= UNIT_HZ && unit <= UNIT_GHZ; }
+    BIG_LOCAL static bool is_data_rate(int unit) { return unit >= UNIT_BPS && unit <= UNIT_GBPS; }
+    BIG_LOCAL static bool is_unit(int unit) {
+        return unit >= MIN_TIME_UNITS && unit < MAX_TIME_UNIT;
+    }
+
+    /// Whether one of two categories is frequency and the other data rate.
+    BIG_LOCAL static bool is_frequency_against_rate(UNIT_CATEGORY a, UNIT_CATEGORY b) {
+        return (a == FREQUENCY_CATEGORY && b == DATA_RATE_CATEGORY)
+               || (a == DATA_RATE_CATEGORY && b == FREQUENCY_CATEGORY);
+    }
+
+    /// A time of a count and a unit. It is no constructor, which would be in the way of calls with
+    /// an unsigned number.
+    BIG_LOCAL static BIG_TIME of(COUNT_BITS count, int unit) {
+        BIG_TIME time;
+        time.m_value = static_cast<long long>(count);
+        time.m_unit = unit;
+        return time;
+    }
+
+    /// Whether the quotient of the count by a number is 2^63, the one that does not fit.
+    BIG_LOCAL bool quotient_overflows(long long divisor) const {
+        return divisor == -1 && static_cast<COUNT_BITS>(m_value) == COUNT_BITS{1} << 63;
+    }
+    BIG_LOCAL long long divided_by(long long divisor) const {
+        if (divisor == 0)
+            report_division_by_zero();
+        if (quotient_overflows(divisor))
+            overflow_error();
+        return m_value / divisor;
+    }
+
+    /// compute_storage_number() in full: femtoseconds and whatever it refuses.
+    static long long scale_by_all_rules(long long value, TIME_UNIT unit);
+
+    // Once their switches are read and found off, the comparisons are this short; the flags then
+    // are true for good. Until then, and with a switch on, the comparisons are those by switches,
+    // which read them on their first call.
+    static std::atomic<bool> s_equal_is_by_default;
+    static std::atomic<bool> s_less_is_by_default;
+    bool is_equal_by_switches(BIG_TIME const& other) const;
+    bool is_less_by_switches(BIG_TIME const& other) const;
+
+    static void tell_constructor_failed();
+
+    // The reports of the checks that are compiled into callers.
+    [[noreturn]] static void report_division_by_zero();
+    [[noreturn]] static void report_modulo_by_zero();
+    [[noreturn]] static void report_period_of_zero();
+    [[noreturn]] static void report_negation_overflow();
     /// Reports the internal error "Overflow" with the tag "BIG".
     [[noreturn]] BIG_LOCAL static void overflow_error() {
         err_report_internal_error("Overflow", "BIG", "h/big_sys", __LINE__);
@@ -412,6 +474,126 @@ private:
     long long m_value = 0;
     int m_unit = UNIT_NONE; ///< a TIME_UNIT, as the integer that databases transfer
 };
+
+BIG_INLINE BIG_TIME::UNIT_CATEGORY BIG_TIME::get_unit_category(TIME_UNIT unit) {
+    if (is_frequency(unit))
+        return FREQUENCY_CATEGORY;
+    if (is_data_rate(unit))
+        return DATA_RATE_CATEGORY;
+    return is_unit(unit) ? TIME_CATEGORY : INVALID_CATEGORY;
+}
+
+BIG_INLINE BIG_TIME::BIG_TIME(long long value, TIME_UNIT unit) {
+    if (!set_time(value, unit))
+        tell_constructor_failed();
+}
+
+BIG_INLINE bool BIG_TIME::set_time(long long value, TIME_UNIT unit) {
+    if (!is_unit(unit))
+        return false;
+    m_value = compute_storage_number(value, unit);
+    m_unit = unit;
+    return true;
+}
+
+BIG_INLINE BIG_TIME& BIG_TIME::operator=(long long value) {
+    set_time(value, UNIT_NONE);
+    return *this;
+}
+
+BIG_INLINE long long BIG_TIME::compute_storage_number(long long value, TIME_UNIT unit) {
+    // A number above 0, and any number of a time, is only multiplied; of a unit that is none and of
+    // femtoseconds neither is.
+    long long count = 0;
+    bool const is_scaled_up = is_unit(unit) && unit != UNIT_FS;
+    if (is_scaled_up && (value > 0 || get_unit_category(unit) == TIME_CATEGORY)
+        && !__builtin_mul_overflow(value, s_power_10_table[s_fraction_digits[unit]], &count))
+        return count;
+    return scale_by_all_rules(value, unit);
+}
+
+BIG_INLINE long long BIG_TIME::get_storage_number() const {
+    return is_frequency(m_unit) && m_value != 0 ? PICOSECONDS_IN_SECOND / m_value : m_value;
+}
+
+BIG_INLINE void BIG_TIME::set_storage_number(long long count) {
+    if (!is_frequency(m_unit)) {
+        m_value = count;
+        return;
+    }
+    if (count == 0)
+        report_period_of_zero();
+    m_value = PICOSECONDS_IN_SECOND / count;
+}
+
+BIG_INLINE int BIG_TIME::convert_to_tsm_delay() const {
+    long long const count = get_storage_number();
+    int const delay = static_cast<int>(count);
+    return delay == count ? delay : NO_DELAY;
+}
+
+// Sums, differences and products wrap, as callers rely on; unsigned arithmetic says so.
+
+BIG_INLINE BIG_TIME BIG_TIME::operator+(BIG_TIME const& other) const {
+    return of(static_cast<COUNT_BITS>(m_value) + static_cast<COUNT_BITS>(other.m_value),
+              m_unit < other.m_unit ? m_unit : other.m_unit);
+}
+
+BIG_INLINE BIG_TIME BIG_TIME::operator-(BIG_TIME const& other) const {
+    return of(static_cast<COUNT_BITS>(m_value) - static_cast<COUNT_BITS>(other.m_value),
+              m_unit < other.m_unit ? m_unit : other.m_unit);
+}
+
+BIG_INLINE BIG_TIME BIG_TIME::operator*(long long const& factor) const {
+    return of(static_cast<COUNT_BITS>(m_value) * static_cast<COUNT_BITS>(factor), m_unit);
+}
+
+BIG_INLINE BIG_TIME BIG_TIME::operator-() {
+    long long negated = 0;
+    if (__builtin_sub_overflow(0, m_value, &negated))
+        report_negation_overflow();
+    BIG_TIME result; // without the unit, as callers rely on
+    result.m_value = negated;
+    return result;
+}
+
+BIG_INLINE BIG_TIME BIG_TIME::operator/(long long const& divisor) const {
+    return of(static_cast<COUNT_BITS>(divided_by(divisor)), m_unit);
+}
+
+BIG_INLINE long long BIG_TIME::operator/(BIG_TIME const& other) const {
+    return divided_by(other.m_value);
+}
+
+BIG_INLINE long long BIG_TIME::operator%(BIG_TIME const& other) const {
+    if (other.m_value == 0)
+        report_modulo_by_zero();
+    if (quotient_overflows(other.m_value))
+        overflow_error();
+    return m_value % other.m_value;
+}
+
+BIG_INLINE BIG_TIME& BIG_TIME::operator%=(long long const& divisor) {
+    BIG_TIME plain_divisor;
+    plain_divisor = divisor;
+    return *this = *this % plain_divisor; // the unit becomes UNIT_NONE, as callers rely on
+}
+
+BIG_INLINE bool BIG_TIME::operator==(BIG_TIME const& other) const {
+    if (!s_equal_is_by_default.load(std::memory_order_relaxed))
+        return is_equal_by_switches(other);
+    if (m_value != other.m_value)
+        return false;
+    UNIT_CATEGORY const a = get_unit_category(get_time_unit());
+    UNIT_CATEGORY const b = get_unit_category(other.get_time_unit());
+    return a == b || is_frequency_against_rate(a, b);
+}
+
+BIG_INLINE bool BIG_TIME::operator<(BIG_TIME const& other) const {
+    if (!s_less_is_by_default.load(std::memory_order_relaxed))
+        return is_less_by_switches(other);
+    return m_value < other.m_value;
+}
 
 /// A clock frequency in hertz as a double, beside periods in integer picoseconds. Exactness is not
 /// its goal: results are those of double arithmetic.
@@ -423,12 +605,12 @@ public:
     /// No frequency: 0 Hz.
     BIG_INLINE BIG_FREQUENCY() {}
     /// compute_from_period(period), a period in picoseconds.
-    BIG_FREQUENCY(int period);
+    BIG_INLINE BIG_FREQUENCY(int period) { compute_from_period(period); }
     /// A number of hertz, which would be taken for a period.
     template <typename NUMBER, std::enable_if_t<std::is_floating_point_v<NUMBER>, int> = 0>
     BIG_FREQUENCY(NUMBER hertz) = delete;
     /// compute_from_big_time(time).
-    BIG_FREQUENCY(BIG_TIME& time);
+    BIG_INLINE BIG_FREQUENCY(BIG_TIME& time) { compute_from_big_time(time); }
 
     /// The frequency in hertz; 0 means none.
     BIG_INLINE double get_value() const { return m_value; }
@@ -436,16 +618,16 @@ public:
     /// Takes the frequency of a period.
     ///
     /// @param period picoseconds; -2147483647 (0x80000001) gives 0 Hz, 0 gives infinity
-    void compute_from_period(int period);
+    BIG_INLINE void compute_from_period(int period);
 
     /// Takes a frequency as it is, unless its period is below 1 ps, which gives 0 Hz; takes any
     /// other time, a data rate too, as a period in picoseconds.
-    void compute_from_big_time(BIG_TIME time);
+    BIG_INLINE void compute_from_big_time(BIG_TIME time);
 
     /// Writes the period in picoseconds, cut toward zero; leaves *period when the frequency is 0. A
     /// period that does not fit, a not-a-number included, becomes the smallest number of the type.
-    void compute_period(int* period);
-    void compute_period(long long* period);
+    BIG_INLINE void compute_period(int* period);
+    BIG_INLINE void compute_period(long long* period);
 
     /// Names the members to a segment, which reads or writes them; its end_object() is the result.
     bool operator<<(PDB_SEGMENT_TEMPLATE<PDB_ANY_SEG_BASE>& segment);
@@ -457,13 +639,71 @@ private:
     friend BIG_FREQUENCY operator*(BIG_FREQUENCY frequency, long long factor);
     friend BIG_FREQUENCY operator/(BIG_FREQUENCY frequency, long long divisor);
 
+    /// 1 s in picoseconds as the double of the conversions.
+    static constexpr double PICOSECONDS_IN_SECOND = 1e12;
+
+    /// Ties that double to the integer rule by which BIG_TIME turns a period of 1 ps into hertz.
+    BIG_LOCAL static void check_picoseconds_in_second() {
+        BIG_TIME one_time_unit(1, BIG_TIME::UNIT_HZ);
+        one_time_unit.set_storage_number(1);
+        if (one_time_unit.get_time_value() != 1000000000000LL)
+            report_picoseconds_in_second();
+    }
+    [[noreturn]] static void report_picoseconds_in_second();
+
     double m_value = 0.0;
 };
 
-/// A frequency times a number, in double arithmetic.
-BIG_API BIG_FREQUENCY operator*(BIG_FREQUENCY frequency, long long factor);
+BIG_INLINE void BIG_FREQUENCY::compute_from_period(int period) {
+    if (period == BIG_TIME::NO_DELAY) {
+        m_value = 0.0;
+        return;
+    }
+    check_picoseconds_in_second();
+    m_value = PICOSECONDS_IN_SECOND / period; // a period of 0 gives infinity
+}
+
+BIG_INLINE void BIG_FREQUENCY::compute_from_big_time(BIG_TIME time) {
+    int const delay = time.convert_to_tsm_delay();
+    if (!BIG_TIME::is_frequency(time.get_time_unit()))
+        compute_from_period(delay);
+    else
+        m_value = delay == 0 ? 0.0 : static_cast<double>(time.get_time_value());
+}
+
+// What does not fit the integer, a not-a-number included, becomes its smallest number, as the
+// common hardware has it.
+
+BIG_INLINE void BIG_FREQUENCY::compute_period(int* period) {
+    if (m_value == 0.0)
+        return;
+    check_picoseconds_in_second();
+    double const picoseconds = PICOSECONDS_IN_SECOND / m_value;
+    // The smallest number may have a fraction to lose.
+    bool const fits = picoseconds > -0x1p31 - 1 && picoseconds < 0x1p31;
+    *period = fits ? static_cast<int>(picoseconds) : -2147483647 - 1;
+}
+
+BIG_INLINE void BIG_FREQUENCY::compute_period(long long* period) {
+    if (m_value == 0.0)
+        return;
+    check_picoseconds_in_second();
+    double const picoseconds = PICOSECONDS_IN_SECOND / m_value;
+    bool const fits = picoseconds >= -0x1p63 && picoseconds < 0x1p63;
+    *period = fits ? static_cast<long long>(picoseconds) : -9223372036854775807LL - 1;
+}
+
+/// A frequency times a number, in double arithmetic. Beside a sum in a caller that was compiled to
+/// fuse products and sums, the two are rounded once.
+BIG_INLINE BIG_API BIG_FREQUENCY operator*(BIG_FREQUENCY frequency, long long factor) {
+    frequency.m_value = static_cast<double>(factor) * frequency.m_value;
+    return frequency;
+}
 /// A frequency divided by a number, in double arithmetic; 0 gives an infinity or not-a-number.
-BIG_API BIG_FREQUENCY operator/(BIG_FREQUENCY frequency, long long divisor);
+BIG_INLINE BIG_API BIG_FREQUENCY operator/(BIG_FREQUENCY frequency, long long divisor) {
+    frequency.m_value /= static_cast<double>(divisor);
+    return frequency;
+}
 
 // ------------------------------------------------------------------------------------------------
 // 64-bit integer text

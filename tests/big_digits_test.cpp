@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -74,27 +75,67 @@ TEST(BigDigits, AnyOtherCharacterIsNoDigitAtEveryPlace) {
     }
 }
 
-TEST(BigDigits, ANumberIsWrittenInFrontOfItsEnd) {
-    for (unsigned long long const number : numbers()) {
-        std::string const text = printf_text("%llu", number);
-        char buffer[BIG_DIGITS_ROOM + 1];
-        char* const end = buffer + BIG_DIGITS_ROOM;
-        *end = '|';
-        EXPECT_EQ(std::string(big_write_digits(end, number), end + 1), text + '|');
-        EXPECT_EQ(big_digit_count(number), text.size()) << number;
-        big_write_24_digits(end, number);
-        EXPECT_EQ(std::string(buffer, end + 1), printf_text("%024llu|", number));
+std::string text_of(BIG_SIXTEEN_DIGITS const& digits) {
+    char text[16];
+    digits.store(text);
+    return std::string(text, sizeof text);
+}
+
+TEST(BigDigits, SixteenDigitsAreTwiceEight) {
+    // Every number of eight digits stands once in each half.
+    for (unsigned int number = 0; number < 100000000; number += STEP) {
+        unsigned int const other = 99999999 - number;
+        char text[16];
+        big_store_eight_digits(text, big_eight_digits(number));
+        big_store_eight_digits(text + 8, big_eight_digits(other));
+        ASSERT_EQ(text_of(big_sixteen_digits(number, other)), std::string(text, sizeof text));
+    }
+    EXPECT_EQ(text_of(big_sixteen_digits(120034005600078ull)), "0120034005600078");
+}
+
+TEST(BigDigits, SixteenDigitsMoveToTheFront) {
+    for (std::size_t zeros = 0; zeros < 16; ++zeros) {
+        BIG_SIXTEEN_DIGITS digits = big_sixteen_digits(1234567890123456ull);
+        digits.drop_zeros(zeros);
+        EXPECT_EQ(text_of(digits),
+                  std::string("1234567890123456").substr(zeros) + std::string(zeros, '\0'));
+    }
+    for (bool const negative : {false, true}) {
+        BIG_SIXTEEN_DIGITS digits = big_sixteen_digits(7ull);
+        digits.put_minus_if(negative);
+        EXPECT_EQ(text_of(digits), negative ? "-000000000000007" : "0000000000000007");
     }
 }
 
-TEST(BigDigits, AStringTakesExactlyTheDigits) {
-    for (std::size_t const room : {0u, 15u, 16u, 23u, 24u, 100u}) {
+TEST(BigDigits, ANumberIsWrittenWithoutLeadingZeros) {
+    for (unsigned long long const number : numbers()) {
+        std::string const text = printf_text("%llu", number);
+        char buffer[32];
+        char* const end = big_put_number(buffer, number);
+        EXPECT_EQ(std::string(buffer, end), text);
+        EXPECT_EQ(big_digit_count(number), text.size()) << number;
+    }
+}
+
+TEST(BigDigits, AStringTakesExactlyTheNumber) {
+    for (std::size_t const room : {0u, 8u, 15u, 16u, 20u, 21u, 100u}) {
         for (unsigned long long const number : numbers()) {
             std::string out(room, 'x');
-            BIG_DIGITS_BUFFER buffer;
-            big_assign_digits(&out, buffer, big_write_digits(buffer.end(), number));
+            big_assign_number(&out, number, false);
             ASSERT_EQ(out, printf_text("%llu", number)) << "over " << room << " characters";
+            big_assign_number(&out, number, true);
+            ASSERT_EQ(out, printf_text("-%llu", number)) << "over " << room << " characters";
         }
+    }
+}
+
+TEST(BigDigits, AShortNumberNeedsNoMemoryOfItsOwn) {
+    std::string const fresh;
+    for (auto const& [number, negative] :
+         {std::pair{0ull, false}, {999999999999999ull, false}, {99999999999999ull, true}}) {
+        std::string out;
+        big_assign_number(&out, number, negative);
+        EXPECT_EQ(out.capacity(), fresh.capacity()) << number;
     }
 }
 

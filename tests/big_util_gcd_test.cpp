@@ -205,6 +205,16 @@ TEST(BigUtilGcd, OperandsWithAKnownDivisorGiveIt) {
     }
 }
 
+/// The divisor by the remainders, written out.
+UINT128 euclid(UINT128 x, UINT128 y) {
+    while (y != 0) {
+        UINT128 const remainder = x - x / y * y;
+        x = y;
+        y = remainder;
+    }
+    return x;
+}
+
 TEST(BigUtilGcd, AlgorithmsAgreeOnRandomOperands) {
     constexpr unsigned long long seed = 20260105;
     std::mt19937_64 random(seed);
@@ -212,14 +222,22 @@ TEST(BigUtilGcd, AlgorithmsAgreeOnRandomOperands) {
     for (int round = 0; round < ROUNDS && !testing::Test::HasFailure(); ++round) {
         UINT128 const a = (UINT128{random()} << 64 | random()) >> (random() % 128);
         UINT128 const b = (UINT128{random()} << 64 | random()) >> (random() % 128);
-        UINT128 x = a; // the remainders, written out
-        UINT128 y = b;
-        while (y != 0) {
-            UINT128 const remainder = x - x / y * y;
-            x = y;
-            y = remainder;
+        expect_gcd(a, b, euclid(a, b), false);
+    }
+}
+
+TEST(BigUtilGcd, OperandsWhoseDifferencesEndInZeros) {
+    // Halving takes all zeros at the end of a difference at once, a whole word of them too.
+    constexpr unsigned long long seed = 20260106;
+    std::mt19937_64 random(seed);
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    for (int zeros = 0; zeros < 128; ++zeros) {
+        for (int round = 0; round < 20; ++round) {
+            UINT128 const a = (UINT128{random()} << 64 | random()) >> (random() % 128);
+            UINT128 const difference = (UINT128{random()} << 64 | random()) << zeros;
+            UINT128 const b = a ^ difference; // their lowest bits are the same
+            expect_gcd(a, b, euclid(a, b), false);
         }
-        expect_gcd(a, b, x, false);
     }
 }
 
