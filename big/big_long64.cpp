@@ -5,6 +5,7 @@
 static MEM_INITIALIZER s_mem_initializer("BIG");
 
 #include "big_digits.h"
+#include "big_plain_number.h"
 #include "big_sys.h"
 #include "big_text.h"
 
@@ -22,7 +23,9 @@ std::string big_long64_to_string(long long value) {
 // A minus sign counts wherever it stands, and several count as one. There is no other check: a
 // magnitude from 2^63 on becomes the signed number of the same bits.
 long long big_long64_from_string(std::string const& text) {
-    unsigned long long const magnitude = big_ulong64_from_string(text);
-    bool const negative = text.find('-') != std::string::npos;
-    return static_cast<long long>(negative ? 0 - magnitude : magnitude);
+    unsigned long long magnitude = 0;
+    if (big_read_plain_number(text, magnitude)) // a minus sign can only come first
+        return big_with_sign(magnitude, text.front() == '-');
+    magnitude = big_ulong64_from_string(text);
+    return big_with_sign(magnitude, text.find('-') != std::string::npos);
 }

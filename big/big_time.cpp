@@ -155,11 +155,10 @@ bool BIG_TIME::set_time(long long value, std::string const& unit_text) {
 //     number = ["+" | "-"] digits ["." [digits]] | ["+" | "-"] "." digits
 //     unit   = a name of BIG_UNIT_ROWS in either letter case
 //
-// Nearly all texts are plain: at least one digit before the point, at most 18 digits, a unit that
-// is not femtoseconds, and a value that fits and needs no report. The plain reader below takes
-// those in one pass over the characters, without a copy. Whatever it does not take, for whatever
-// reason, goes through the general reader, which edits the number as text and settles every oddity
-// and every report.
+// Nearly all texts are plain: at least one digit before the point, at most 18 digits, and a value
+// that fits and needs no report. The plain reader below takes those in one pass over the
+// characters, without a copy. Whatever it does not take, for whatever reason, goes through the
+// general reader, which edits the number as text and settles every oddity and every report.
 
 namespace {
 
@@ -199,9 +198,7 @@ bool scan_plain_number(char const*& at, char const* end, PLAIN_NUMBER& number) {
 /// Scales a plain number into the storage unit. False for what the general reader must settle.
 bool store_plain_number(PLAIN_NUMBER const& number, BIG_TIME::TIME_UNIT unit, bool post_messages,
                         long long& value) {
-    int const resolution = BIG_TIME::s_fraction_digits[unit];
-    if (resolution < 0)
-        return false;
+    int const resolution = BIG_TIME::s_fraction_digits[unit]; // below 0 for femtoseconds
     unsigned long long magnitude = number.digits;
     if (number.places <= resolution) {
         auto const scale =
@@ -209,8 +206,9 @@ bool store_plain_number(PLAIN_NUMBER const& number, BIG_TIME::TIME_UNIT unit, bo
         if (__builtin_mul_overflow(magnitude, scale, &magnitude) || magnitude > LLONG_MAX)
             return false;
     } else {
-        auto const scale =
-            static_cast<unsigned long long>(BIG_TIME::s_power_10_table[number.places - resolution]);
+        // At most 18 digits are cut to nothing by that many places and more.
+        auto const scale = static_cast<unsigned long long>(BIG_TIME::s_power_10_table[std::min(
+            number.places - resolution, static_cast<int>(plain_digits_at_most))]);
         unsigned long long const kept = magnitude / scale;
         if (post_messages && kept * scale != magnitude)
             return false;

@@ -86,6 +86,14 @@ void BIG_ULONG128::report_underflow() {
     BIG_FAIL("Underflow");
 }
 
+void BIG_ULONG128::report_division_by_zero() {
+    BIG_FAIL("Division by Zero");
+}
+
+void BIG_ULONG128::report_modulo_by_zero() {
+    BIG_FAIL("Modulo by Zero");
+}
+
 BIG_ULONG128 BIG_ULONG128::multiply_by_cells(BIG_ULONG128 const& other) const {
     BIG_ULONG128 product;
     for (int j = 0; j < other.m_length; ++j) {
@@ -95,87 +103,6 @@ BIG_ULONG128 BIG_ULONG128::multiply_by_cells(BIG_ULONG128 const& other) const {
         }
     }
     return product;
-}
-
-// ------------------------------------------------------------------------------------------------
-// Quotient and remainder
-// ------------------------------------------------------------------------------------------------
-
-namespace {
-
-struct DIVISION {
-    unsigned long long quotient;
-    unsigned long long remainder;
-};
-
-/// Divides high x 2^64 + low by a divisor above `high`, so that the quotient is one word: a single
-/// instruction where there is one, for which the language has no expression.
-DIVISION divide_words(unsigned long long high, unsigned long long low, unsigned long long divisor) {
-    DIVISION result;
-#if defined(__x86_64__) && !defined(BIG_PORTABLE)
-    __asm__("divq %4"
-            : "=a"(result.quotient), "=d"(result.remainder)
-            : "a"(low), "d"(high), "r"(divisor)
-            : "cc");
-#else
-    WIDE const dividend = static_cast<WIDE>(high) << 64 | low;
-    result.quotient = static_cast<unsigned long long>(dividend / divisor);
-    result.remainder = static_cast<unsigned long long>(dividend % divisor);
-#endif
-    return result;
-}
-
-} // namespace
-
-BIG_ULONG128 BIG_ULONG128::operator/(unsigned int const& divisor) const {
-    return *this / BIG_ULONG128(divisor);
-}
-
-BIG_ULONG128 BIG_ULONG128::operator/(BIG_ULONG128 const& divisor) const {
-    WIDE const denominator = divisor.value();
-    if (denominator >> 64 != 0)
-        return BIG_ULONG128(static_cast<unsigned long long>(value() / denominator));
-    if (denominator == 0) // an erased divisor too, which callers do not pass
-        BIG_FAIL("Division by Zero");
-
-    WIDE const numerator = value();
-    unsigned long long const high = static_cast<unsigned long long>(numerator >> 64);
-    unsigned long long const low = static_cast<unsigned long long>(numerator);
-    unsigned long long const word = static_cast<unsigned long long>(denominator);
-    if (high < word)
-        return BIG_ULONG128(divide_words(high, low, word).quotient);
-    WIDE const upper = high / word;
-    return of(upper << 64 | divide_words(high % word, low, word).quotient);
-}
-
-BIG_ULONG128& BIG_ULONG128::operator/=(BIG_ULONG128 const& divisor) {
-    if (divisor == BIG_ULONG128())
-        BIG_FAIL("Division by Zero");
-    return *this = *this / divisor;
-}
-
-// The remainder is *this - quotient x divisor. An erased value has the quotient 0, and nothing can
-// be subtracted from it, not even 0.
-BIG_ULONG128 BIG_ULONG128::operator%(BIG_ULONG128 const& divisor) const {
-    WIDE const denominator = divisor.value();
-    if (denominator == 0)
-        BIG_FAIL("Division by Zero");
-    if (m_length == 0)
-        report_underflow();
-    if (denominator >> 64 != 0)
-        return of(value() % denominator);
-
-    WIDE const numerator = value();
-    unsigned long long const high = static_cast<unsigned long long>(numerator >> 64);
-    unsigned long long const low = static_cast<unsigned long long>(numerator);
-    unsigned long long const word = static_cast<unsigned long long>(denominator);
-    return BIG_ULONG128(divide_words(high < word ? high : high % word, low, word).remainder);
-}
-
-BIG_ULONG128& BIG_ULONG128::operator%=(BIG_ULONG128 const& divisor) {
-    if (divisor == BIG_ULONG128())
-        BIG_FAIL("Modulo by Zero");
-    return *this = *this % divisor;
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -248,7 +175,8 @@ void assign_digits(std::string* out, WIDE value) {
     }
     unsigned int const top = take_quotient_by_ten_to_32(value);
     unsigned long long const middle = take_quotient_by_ten_to_16(value);
-    BIG_SIXTEEN_DIGITS const lower_digits = big_sixteen_digits(static_cast<unsigned long long>(value));
+    BIG_SIXTEEN_DIGITS const lower_digits =
+        big_sixteen_digits(static_cast<unsigned long long>(value));
     BIG_SIXTEEN_DIGITS middle_digits = big_sixteen_digits(middle);
 
     if (top == 0) { // and the middle is not

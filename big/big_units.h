@@ -28,8 +28,8 @@
     row(UNIT_GBPS,      "Gbps",      9)
 // clang-format on
 
-/// The unit whose name of at most four letters a text is, in either letter case and with nothing
-/// around it; MAX_TIME_UNIT for every other text, the empty one included.
+/// The unit whose name a text is, in either letter case and with nothing around it; MAX_TIME_UNIT
+/// for every other text, the empty one included.
 BIG_TIME::TIME_UNIT big_plain_unit(std::string_view text) BIG_LOCAL;
 
 #endif

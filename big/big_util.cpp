@@ -152,6 +152,9 @@ UINT128 gcd_of_odd(UINT128 a, UINT128 b) {
 template <typename UNSIGNED>
 UNSIGNED greatest_common_divisor(UNSIGNED a, UNSIGNED b) {
     constexpr int much_larger = 12; // bits from which on a division is quicker
+    if constexpr (sizeof(UNSIGNED) > sizeof(ULONG64))
+        if ((a | b) >> 64 == 0)
+            return greatest_common_divisor(low_word(a), low_word(b));
     if (a < b)
         std::swap(a, b);
     if (b == 0)
@@ -552,11 +555,24 @@ consteval NAME_TABLE make_name_table() {
 
 constexpr NAME_TABLE name_table = make_name_table();
 
+/// Whether a text is a name, in either letter case.
+constexpr bool is_name(std::string_view text, std::string_view name) {
+    if (text.size() != name.size())
+        return false;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        bool const is_letter = name[i] >= 'a' && name[i] <= 'z';
+        if ((is_letter ? text[i] | 0x20 : text[i]) != name[i])
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 BIG_TIME::TIME_UNIT big_plain_unit(std::string_view text) {
+    constexpr std::string_view long_name = "ten_th_ns"; // the only one
     if (text.empty() || text.size() > short_name_at_most)
-        return BIG_TIME::MAX_TIME_UNIT; // the longer name is worth no more than the general way
+        return is_name(text, long_name) ? BIG_TIME::UNIT_TEN_TH_NS : BIG_TIME::MAX_TIME_UNIT;
     std::uint32_t const key = key_of_name(text);
     NAME_SLOT const& slot = name_table.slots[name_table.slot_of(key)];
     return slot.key == key && slot.length == text.size() ? slot.unit : BIG_TIME::MAX_TIME_UNIT;

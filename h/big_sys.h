@@ -817,8 +817,10 @@ public:
 
     /// Quotient, rounded down. Internal error: "Division by Zero", also for a negative divisor,
     /// which is constructed as 0.
-    BIG_ULONG128 operator/(unsigned int const& divisor) const;
-    BIG_ULONG128 operator/(BIG_ULONG128 const& divisor) const;
+    BIG_INLINE BIG_ULONG128 operator/(unsigned int const& divisor) const {
+        return *this / BIG_ULONG128(divisor);
+    }
+    BIG_INLINE BIG_ULONG128 operator/(BIG_ULONG128 const& divisor) const;
     /// Without these any other number would be cut to an unsigned int.
     template <typename INTEGER, FOR_NUMBER<INTEGER, true> = 0>
     BIG_LOCAL BIG_ULONG128 operator/(INTEGER divisor) const {
@@ -826,12 +828,12 @@ public:
     }
     template <typename NUMBER, FOR_NUMBER<NUMBER, false> = 0>
     BIG_ULONG128 operator/(NUMBER divisor) const = delete;
-    BIG_ULONG128& operator/=(BIG_ULONG128 const& divisor);
+    BIG_INLINE BIG_ULONG128& operator/=(BIG_ULONG128 const& divisor);
 
     /// Remainder. Internal errors: "Division by Zero" from %, "Modulo by Zero" from %=; "Underflow"
     /// for an erased value.
-    BIG_ULONG128 operator%(BIG_ULONG128 const& divisor) const;
-    BIG_ULONG128& operator%=(BIG_ULONG128 const& divisor);
+    BIG_INLINE BIG_ULONG128 operator%(BIG_ULONG128 const& divisor) const;
+    BIG_INLINE BIG_ULONG128& operator%=(BIG_ULONG128 const& divisor);
 
     // --- Comparison and logic; zero is false ---
 
@@ -897,7 +899,10 @@ private:
 
     /// The cells that a defined value needs: 1 to 4.
     BIG_LOCAL static int cells_for(WIDE value) {
-        return 1 + (value >> 32 != 0) + (value >> 64 != 0) + (value >> 96 != 0);
+        auto const low = static_cast<unsigned long long>(value);
+        auto const high = static_cast<unsigned long long>(value >> 64);
+        // Counted without a branch, since lengths come in no order.
+        return 1 + ((low >> 32 | high) != 0) + (high != 0) + (high >> 32 != 0);
     }
 
     /// The bits of the cells below a length.
@@ -943,8 +948,34 @@ private:
 
     /// Product cell by cell: finds the error to report when it does not fit.
     BIG_ULONG128 multiply_by_cells(BIG_ULONG128 const& other) const;
-    /// Reports that a difference would be negative.
+    struct DIVISION {
+        unsigned long long quotient;
+        unsigned long long remainder;
+    };
+
+    /// Divides high x 2^64 + low by a divisor above `high`, so that the quotient is one word: a
+    /// single instruction where there is one, for which the language has no expression.
+    BIG_LOCAL static DIVISION divide_words(unsigned long long high, unsigned long long low,
+                                           unsigned long long divisor) {
+        DIVISION result;
+#if defined(__x86_64__)
+        __asm__("divq %4"
+                : "=a"(result.quotient), "=d"(result.remainder)
+                : "a"(low), "d"(high), "r"(divisor)
+                : "cc");
+#else
+        WIDE const dividend = static_cast<WIDE>(high) << 64 | low;
+        result.quotient = static_cast<unsigned long long>(dividend / divisor);
+        result.remainder = static_cast<unsigned long long>(dividend % divisor);
+#endif
+        return result;
+    }
+
+    // The reports of the checks that are compiled into callers; of a difference that would be
+    // negative the first one.
     [[noreturn]] static void report_underflow();
+    [[noreturn]] static void report_division_by_zero();
+    [[noreturn]] static void report_modulo_by_zero();
 
     int m_length;                   ///< cells in use; 0 means undefined
     unsigned int m_cells[MAX_CELL]; ///< base 2^32, least significant first
@@ -994,6 +1025,53 @@ BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator*(BIG_ULONG128 const& other) const
     if (((a_high != 0) & (b_high != 0)) | (upper >> 64 != 0))
         return multiply_by_cells(other);
     return of(upper << 64 | static_cast<unsigned long long>(low));
+}
+
+BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator/(BIG_ULONG128 const& divisor) const {
+    WIDE const denominator = divisor.value();
+    if (denominator >> 64 != 0)
+        return BIG_ULONG128(static_cast<unsigned long long>(value() / denominator));
+    if (denominator == 0) // an erased divisor too, which callers do not pass
+        report_division_by_zero();
+
+    WIDE const numerator = value();
+    unsigned long long const high = static_cast<unsigned long long>(numerator >> 64);
+    unsigned long long const low = static_cast<unsigned long long>(numerator);
+    unsigned long long const word = static_cast<unsigned long long>(denominator);
+    if (high < word)
+        return BIG_ULONG128(divide_words(high, low, word).quotient);
+    WIDE const upper = high / word;
+    return of(upper << 64 | divide_words(high % word, low, word).quotient);
+}
+
+BIG_INLINE BIG_ULONG128& BIG_ULONG128::operator/=(BIG_ULONG128 const& divisor) {
+    if (divisor == BIG_ULONG128())
+        report_division_by_zero();
+    return *this = *this / divisor;
+}
+
+// The remainder is *this - quotient x divisor. An erased value has the quotient 0, and nothing can
+// be subtracted from it, not even 0.
+BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator%(BIG_ULONG128 const& divisor) const {
+    WIDE const denominator = divisor.value();
+    if (denominator == 0)
+        report_division_by_zero();
+    if (m_length == 0)
+        report_underflow();
+    if (denominator >> 64 != 0)
+        return of(value() % denominator);
+
+    WIDE const numerator = value();
+    unsigned long long const high = static_cast<unsigned long long>(numerator >> 64);
+    unsigned long long const low = static_cast<unsigned long long>(numerator);
+    unsigned long long const word = static_cast<unsigned long long>(denominator);
+    return BIG_ULONG128(divide_words(high < word ? high : high % word, low, word).remainder);
+}
+
+BIG_INLINE BIG_ULONG128& BIG_ULONG128::operator%=(BIG_ULONG128 const& divisor) {
+    if (divisor == BIG_ULONG128())
+        report_modulo_by_zero();
+    return *this = *this % divisor;
 }
 
 /// The powers of ten that a BIG_ULONG128 can hold.
