@@ -21,6 +21,14 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/bigConfigVersion.cmake CO
 install(FILES ${PROJECT_BINARY_DIR}/bigConfig.cmake ${PROJECT_BINARY_DIR}/bigConfigVersion.cmake
         DESTINATION ${BIG_PACKAGE_DIR})
 
+# The store is a component of the package, so that what it needs is asked of those who ask for it.
+if(TARGET big_store)
+  set_target_properties(big_store PROPERTIES EXPORT_NAME store INSTALL_RPATH "$ORIGIN")
+  install(TARGETS big_store EXPORT bigStore)
+  install(DIRECTORY platform/store/h/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/big FILES_MATCHING PATTERN "*.h")
+  install(EXPORT bigStore NAMESPACE big:: FILE bigStoreTargets.cmake DESTINATION ${BIG_PACKAGE_DIR})
+endif()
+
 # pkg-config
 file(RELATIVE_PATH BIG_PC_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 cmake_path(APPEND BIG_PC_INCLUDEDIR "\${prefix}" "${CMAKE_INSTALL_INCLUDEDIR}" big)
@@ -29,3 +37,16 @@ list(TRANSFORM BIG_LIBRARIES PREPEND -l OUTPUT_VARIABLE BIG_PC_LIBS)
 list(JOIN BIG_PC_LIBS " " BIG_PC_LIBS)
 configure_file(cmake/big.pc.in ${PROJECT_BINARY_DIR}/big.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/big.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+if(TARGET big_store)
+  set(BIG_STORE_PC_LIBS -lbig_store)
+  get_target_property(type big_store TYPE)
+  if(type STREQUAL STATIC_LIBRARY)
+    string(APPEND BIG_STORE_PC_LIBS " -lsqlite3")
+    get_target_property(definitions big_store COMPILE_DEFINITIONS)
+    if(definitions MATCHES BIG_STORE_HAS_POSTGRES)
+      string(APPEND BIG_STORE_PC_LIBS " -lpq")
+    endif()
+  endif()
+  configure_file(cmake/big-store.pc.in ${PROJECT_BINARY_DIR}/big-store.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/big-store.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endif()

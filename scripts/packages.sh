@@ -1,7 +1,7 @@
 # For the scripts that build: `. scripts/packages.sh`, then `need PACKAGE...`.
 
 # What the library, the standalone platform and the tool are built with
-PACKAGES_TO_BUILD=(cmake g++ ninja-build libcli11-dev libtomlplusplus-dev)
+PACKAGES_TO_BUILD=(cmake g++ ninja-build libcli11-dev libtomlplusplus-dev libsqlite3-dev libpq-dev)
 # What the tests need beyond that
 PACKAGES_TO_TEST=(clang libclang-rt-dev libgtest-dev libgmock-dev libboost-dev libgmp-dev pkgconf locales
                   libpq-dev postgresql

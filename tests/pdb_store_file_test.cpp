@@ -30,7 +30,8 @@ unsigned long s_file_system = 0; ///< what statfs() says; 0 for the truth
 }
 
 /// Takes the place of the C library's function, for the store too.
-extern "C" [[gnu::visibility("default")]] int statfs(char const* path, struct statfs* out) noexcept {
+extern "C" [[gnu::visibility("default")]] int statfs(char const* path,
+                                                     struct statfs* out) noexcept {
     if (syscall(SYS_statfs, path, out) != 0)
         return -1;
     if (s_file_system != 0)
@@ -131,8 +132,8 @@ TEST_F(PdbStoreFile, HasAColumnForEachMember) {
         BIG_FRACTION const fractions[] = {BIG_FRACTION(3, 2)};
         store.put_array("ratios", fractions, 1);
     }
-    EXPECT_EQ(query(m_path, "SELECT hex(name), m_value, m_unit FROM BIG_TIME_d16780d1"),
-              "636C6B|2500|3\n");
+    EXPECT_EQ(query(m_path, "SELECT hex(name), m_value, m_unit, checksum FROM BIG_TIME_d16780d1"),
+              "636C6B|2500|3|-1391423751809730177\n"); // as in docs/records.md
     EXPECT_EQ(query(m_path, "SELECT hex(name), hex(m_value), m_value_real FROM "
                             "BIG_FREQUENCY_4d709ad8"),
               "66|41CDCD6500000000|1000000000.0\n");

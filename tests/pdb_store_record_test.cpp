@@ -64,6 +64,32 @@ TEST(StoreChecksum, IsThatOfTheBytesInWhateverPieces) {
               crc_by_bits("123456789"));
 }
 
+/// A number in its bytes, the highest first.
+std::string bytes_of(std::uint64_t number, int count = 8) {
+    std::string bytes;
+    for (int shift = 8 * (count - 1); shift >= 0; shift -= 8)
+        bytes += static_cast<char>(number >> shift);
+    return bytes;
+}
+
+TEST(StoreChecksum, OfARecordIsTakenOfTheBytesThatAreDocumented) {
+    STORED_CLASS const stored =
+        class_of({{"a", MEMBER_TYPE::INT32, ""}, {"b", MEMBER_TYPE::DOUBLE, ""}});
+    CELL const cells[] = {static_cast<CELL>(-2), 0x3ff8000000000000};
+    auto const start = [](std::uint64_t kind) {
+        return bytes_of(0xd16780d1, 4) + bytes_of(kind, 4);
+    };
+    EXPECT_EQ(value_checksum(stored, "clk", cells),
+              crc_by_bits(start(1) + bytes_of(3) + "clk" + std::string(7, '\xff') + "\xfe"
+                          + bytes_of(0x3ff8000000000000)));
+    EXPECT_EQ(array_checksum(stored, "clk", 7, 9),
+              crc_by_bits(start(2) + bytes_of(3) + "clk" + bytes_of(7) + bytes_of(9)));
+    EXPECT_EQ(chunk_checksum(stored, 7, 9, "elements"),
+              crc_by_bits(start(3) + bytes_of(7) + bytes_of(9) + "elements"));
+    EXPECT_EQ(class_checksum(stored), crc_by_bits(start(4) + bytes_of(16) + bytes_of(4) + "TEST"
+                                                  + "\"a\" int32, \"b\" double"));
+}
+
 TEST(StoreChecksum, OfARecordCoversAllThatItSays) {
     STORED_CLASS const stored =
         class_of({{"a", MEMBER_TYPE::INT64, ""}, {"b", MEMBER_TYPE::INT32, ""}});

@@ -4,6 +4,9 @@
 #include "exit_status.h"
 #include "output.h"
 #include "radix_command.h"
+#ifdef BIGQ_HAS_STORE
+#include "store_command.h"
+#endif
 #include "text.h"
 #include "time_command.h"
 
@@ -23,6 +26,9 @@ struct COMMAND {
 
 constexpr COMMAND COMMANDS[] = {
     {"radix", "convert bit vectors between radixes", run_radix},
+#ifdef BIGQ_HAS_STORE
+    {"store", "keep values in a database", run_store},
+#endif
     {"time", "convert times, frequencies and data rates", run_time},
 };
 

@@ -29,8 +29,6 @@ struct STORED_MEMBER {
                       ///< object within the object
     MEMBER_TYPE type;
     std::string column; ///< the member's column in the class's table
-
-    bool operator==(STORED_MEMBER const&) const = default;
 };
 
 struct STORED_CLASS {
@@ -66,7 +64,8 @@ bool describe(PDB_THUNK_INFO const& record, STORED_CLASS& stored);
 /// @param member receives the name of the member that differs, "" when it is the size or the number
 std::string difference(STORED_CLASS const& there, STORED_CLASS const& here, std::string& member);
 
-/// The members as text: `"m_value" int64, "m_unit" int32`, with names as quoted_bytes() writes them.
+/// The members as text: `"m_value" int64, "m_unit" int32`, with names as quoted_bytes() writes
+/// them.
 std::string members_text(STORED_CLASS const& stored);
 /// The inverse, for texts of members_text() alone. Returns false for any other.
 bool read_members(std::string_view text, std::vector<STORED_MEMBER>& members);
@@ -74,8 +73,8 @@ bool read_members(std::string_view text, std::vector<STORED_MEMBER>& members);
 /// Bytes between quotation marks, as ASCII: what is not printable is written as \x1B, a quotation
 /// mark as \" and a backslash as \\.
 std::string quoted_bytes(std::string_view bytes);
-/// Takes a text of quoted_bytes() from the front of another. Returns false, and takes nothing, when there
-/// is none.
+/// Takes a text of quoted_bytes() from the front of another. Returns false, and takes nothing, when
+/// there is none.
 bool take_quoted(std::string_view& text, std::string& bytes);
 /// A name for a message: quoted_bytes(), cut at 100 bytes.
 std::string shown(std::string_view name);

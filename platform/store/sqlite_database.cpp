@@ -120,6 +120,10 @@ void SQLITE_DATABASE::fail(int result) {
         fail(PDB_STORE_ERROR::READ_ONLY,
              "a program ended while it was writing; open the store for writing once, which takes "
              "back what was half written");
+    case SQLITE_IOERR_DIR_FSYNC: // of the folder that the journal has left
+        fail(PDB_STORE_ERROR::SYSTEM,
+             "the change is in the file, but bringing the folder to the disk failed, so that a "
+             "loss of power may take it back");
     case SQLITE_IOERR_NOMEM: throw std::bad_alloc();
     case SQLITE_IOERR_DATA:
     case SQLITE_IOERR_CORRUPTFS:
