@@ -958,7 +958,7 @@ private:
     BIG_LOCAL static DIVISION divide_words(unsigned long long high, unsigned long long low,
                                            unsigned long long divisor) {
         DIVISION result;
-#if defined(__x86_64__)
+#if defined(__x86_64__) && !defined(BIG_PORTABLE)
         __asm__("divq %4"
                 : "=a"(result.quotient), "=d"(result.remainder)
                 : "a"(low), "d"(high), "r"(divisor)

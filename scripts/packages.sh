@@ -4,8 +4,7 @@
 PACKAGES_TO_BUILD=(cmake g++ ninja-build libcli11-dev libtomlplusplus-dev libsqlite3-dev libpq-dev)
 # What the tests need beyond that
 PACKAGES_TO_TEST=(clang libclang-rt-dev libgtest-dev libgmock-dev libboost-dev libgmp-dev pkgconf locales
-                  libpq-dev postgresql
-                  iverilog gtkwave perl clang-format clang-tidy doxygen)
+                  postgresql iverilog gtkwave perl clang-format clang-tidy doxygen)
 # What the benchmarks compare with; their answers are tested too
 PACKAGES_TO_BENCHMARK=(libbenchmark-dev libabsl-dev libboost-dev libfmt-dev libgmp-dev libsystemc-dev libsqlite3-dev
                        liblmdb-dev perl)

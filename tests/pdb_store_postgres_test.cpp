@@ -6,6 +6,7 @@
 
 #include "support/cutting_forwarder.h"
 #include "support/postgres_server.h"
+#include "support/store_places.h"
 
 #include <algorithm>
 #include <atomic>
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <functional>
 #include <random>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -147,6 +149,31 @@ TEST_F(PdbStorePostgres, TheLongestNamesFitAnIndexThatCannotPackThem) {
     BIG_TIME const element;
     store.put_array(name.substr(1) + 'a', &element, 1);
     EXPECT_EQ(counter(name), 1);
+}
+
+TEST_F(PdbStorePostgres, ADumpGoesFromAFileToAServerAndBack) {
+    TEMPORARY_FOLDER const folder;
+    auto const dump_of = [](PDB_STORE& store) {
+        std::string text;
+        store.dump([&](std::string_view line) { text += line; });
+        return text;
+    };
+    auto const load = [](PDB_STORE& store, std::string const& text) {
+        std::istringstream lines(text);
+        store.load([&](std::string& line) { return bool(std::getline(lines, line)); });
+    };
+    PDB_STORE file(folder.path("one"));
+    BIG_TIME const times[] = {picoseconds(-1), picoseconds(1ll << 62)};
+    file.put_array("times", times, 2);
+    file.put(std::string("a\0b", 3), picoseconds(5));
+    file.put("clock", BIG_FREQUENCY(3000));
+    std::string const text = dump_of(file);
+    PDB_STORE server(address());
+    load(server, text);
+    EXPECT_EQ(dump_of(server), text);
+    PDB_STORE other_file(folder.path("other"));
+    load(other_file, dump_of(server));
+    EXPECT_EQ(dump_of(other_file), text);
 }
 
 // ------------------------------------------------------------------------------------------------

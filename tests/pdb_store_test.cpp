@@ -119,6 +119,19 @@ struct FICKLE {
 
 TEST_RECORD<FICKLE> const s_fickle(0x7e570002);
 
+/// A class with more or fewer members than a store keeps.
+struct WIDE {
+    inline static int s_members = 0;
+    int m_value = 5;
+
+    bool operator<<(STORE_SEGMENT& segment) {
+        segment.begin_object(nullptr, this);
+        for (int i = 0; i < s_members; ++i)
+            transfer(segment, "m_value", m_value);
+        return segment.end_object();
+    }
+};
+
 /// A class without members.
 struct BARE {
     bool operator<<(STORE_SEGMENT& segment) {
@@ -833,6 +846,21 @@ TEST_P(PdbStore, ASerializerThatChangesItsMindIsRefused) {
     EXPECT_EQ(problems_of(store), LINES());
 }
 
+TEST_P(PdbStore, AClassHasAtMost500Members) {
+    TEST_RECORD<WIDE> const record(0x7e570004);
+    WIDE wide;
+    WIDE::s_members = 501;
+    EXPECT_STORE_ERROR(open().put("wide", wide), BAD_CLASS,
+                       "class (anonymous namespace)::WIDE has 501 members: at most 500 are kept");
+    WIDE::s_members = 500;
+    PDB_STORE store = open();
+    store.put("wide", WIDE{6});
+    store.put_array("wider", &wide, 1);
+    EXPECT_TRUE(store.get("wide", wide));
+    EXPECT_EQ(wide.m_value, 6);
+    EXPECT_EQ(problems_of(store), LINES());
+}
+
 struct VERSION_1 {
     long long m_value = 1;
     bool operator<<(STORE_SEGMENT& segment) {
@@ -1021,6 +1049,9 @@ TEST_P(PdbStore, AMalformedDumpLoadsNothing) {
     char const* const no_members =
         "expected members, each a name between quotation marks and int64, int32 or double";
     char const* const no_double = "expected a double as 0x and 16 hexadecimal digits in lower case";
+    std::string many_members = "\"m\" int32";
+    for (int i = 0; i < 500; ++i)
+        many_members += ", \"m\" int32";
     struct CASE {
         std::string text;
         int line;
@@ -1051,6 +1082,8 @@ TEST_P(PdbStore, AMalformedDumpLoadsNothing) {
         {first + "class 0xd16780d1 16 \"BIG_TIME\" m_value int64\n", 2, no_members},
         {first + "class 0xd16780d1 16 \"BIG_TIME\" \"m_value\" int16\n", 2, no_members},
         {first + "class 0xd16780d1 16 \"BIG_TIME\" \"m_value\" int64,\n", 2, no_members},
+        {first + "class 0x00000001 8 \"C\" " + many_members + '\n', 2,
+         "a class has more members than are kept"},
         {time + "value clk 1 2\n", 3, no_name},
         {time + "value \"clk 1 2\n", 3, no_name},
         {time + "value \"cl\\k\" 1 2\n", 3, no_name},

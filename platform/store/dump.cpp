@@ -265,6 +265,7 @@ private:
                 "expected the name of a class between quotation marks");
         require(read_members(m_rest, stored.members),
                 "expected members, each a name between quotation marks and int64, int32 or double");
+        require(stored.members.size() <= MOST_MEMBERS, "a class has more members than are kept");
         name_table(stored);
         m_state.compare_with_program({stored});
         m_class_id = stored.id;

@@ -10,6 +10,7 @@
 #include <limits>
 #include <memory>
 #include <new>
+#include <set>
 
 #include <cxxabi.h>
 
@@ -68,17 +69,19 @@ bool is_identifier_character(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
 }
 
-bool are_same_in_any_case(std::string_view one, std::string_view other) {
-    auto const lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                      [&](char a, char b) { return lower(a) == lower(b); });
+std::string in_lower_case(std::string_view name) {
+    std::string text(name);
+    for (char& c : text)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return text;
 }
 
 /// A name as an identifier, without regard to whether it is taken. What begins with "sqlite_" is
 /// SQLite's own.
 std::string identifier(std::string_view name) {
     std::string text(name.substr(0, LONGEST_STEM));
-    if (are_same_in_any_case(text.substr(0, 7), "sqlite_"))
+    if (in_lower_case(text).starts_with("sqlite_"))
         text.insert(0, "_");
     for (char& c : text)
         if (!is_identifier_character(c))
@@ -104,19 +107,17 @@ std::string readable_column(STORED_MEMBER const& member) {
 void name_table(STORED_CLASS& stored) {
     stored.table = identifier(stored.name) + '_' + hexadecimal(stored.id, 8);
 
-    std::vector<std::string> taken(std::begin(OWN_COLUMNS), std::end(OWN_COLUMNS));
+    std::set<std::string> taken(std::begin(OWN_COLUMNS), std::end(OWN_COLUMNS)); // in lower case
     auto const is_taken = [&taken](std::string const& column) {
-        return std::any_of(taken.begin(), taken.end(), [&](std::string const& other) {
-            return are_same_in_any_case(column, other);
-        });
+        return taken.contains(in_lower_case(column));
     };
     for (STORED_MEMBER& member : stored.members) {
         std::string const stem = identifier(member.name);
         member.column = stem;
         for (int number = 2; is_taken(member.column) || is_taken(readable_column(member)); ++number)
             member.column = stem + '_' + std::to_string(number);
-        taken.push_back(member.column);
-        taken.push_back(readable_column(member));
+        taken.insert(in_lower_case(member.column));
+        taken.insert(in_lower_case(readable_column(member)));
     }
 }
 

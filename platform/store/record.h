@@ -31,6 +31,9 @@ struct STORED_MEMBER {
     std::string column; ///< the member's column in the class's table
 };
 
+/// Members of a class at most, so that every engine has columns enough.
+constexpr std::size_t MOST_MEMBERS = 500;
+
 struct STORED_CLASS {
     std::uint32_t id = 0;
     std::string name; ///< the C++ name

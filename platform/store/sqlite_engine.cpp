@@ -82,10 +82,12 @@ std::string integer_expression(std::string const& bytes, std::size_t size) {
     return size == 8 ? '(' + text + ')' : "(((" + text + ")<<32)>>32)"; // which copies the sign
 }
 
-/// The view of the elements of a class's arrays, as create_view().
+/// The view of the elements of a class's arrays, as create_view(). Classes of many members have
+/// none: their view would be longer than all that SQLite reads when it opens the file.
 std::string create_element_view(STORED_CLASS const& stored) {
     std::size_t const size = stored.packed_size();
-    if (size == 0)
+    constexpr std::size_t MOST_SHOWN = 32;
+    if (size == 0 || stored.members.size() > MOST_SHOWN)
         return "";
     std::string const bytes_of_element = std::to_string(size);
     std::string text = "CREATE VIEW IF NOT EXISTS " + in_quotes(view_name(stored) + "_elements")

@@ -220,6 +220,11 @@ PROGRAM_CLASS const& PDB_STORE_STATE::program_class(std::type_info const& type) 
         fail(PDB_STORE_ERROR::BAD_CLASS,
              "the serializer of class " + found.stored.name + " does not transfer an object whole",
              found.stored.name);
+    if (found.stored.members.size() > MOST_MEMBERS)
+        fail(PDB_STORE_ERROR::BAD_CLASS,
+             "class " + found.stored.name + " has " + std::to_string(found.stored.members.size())
+                 + " members: at most " + std::to_string(MOST_MEMBERS) + " are kept",
+             found.stored.name);
     PROGRAM_CLASS& kept = m_program_classes[found.stored.id];
     for (auto const& known : m_classes)
         known->same = nullptr;
