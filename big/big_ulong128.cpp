@@ -17,9 +17,9 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 // The highest cell in use is not 0, except for zero itself: comparisons look at the lengths first
 // and rely on it.
 //
-// Sums, differences, products and comparisons are inline in big_sys.h, on the machine's 128-bit
-// integer. Here are the rules cell by cell, which decide the error to report when a result does not
-// fit, and what takes longer: division and text.
+// Arithmetic and comparisons are inline in big_sys.h, on the machine's 128-bit integer. Here are
+// the rules cell by cell, which decide the error to report when a result does not fit, and the
+// text.
 
 #include "big_digits.h"
 #include "big_ulong128_internal.h"

@@ -1102,8 +1102,8 @@ BIG_API unsigned int big_gcd_additive(unsigned int a, unsigned int b);
 BIG_API long long big_gcd_additive(long long a, long long b);
 BIG_API BIG_ULONG128 big_gcd_additive(BIG_ULONG128 a, BIG_ULONG128 b);
 
-/// The greatest common divisor by remainders (Euclid, Elements VII.2). An operand of 0 gives the
-/// other one.
+/// The greatest common divisor by remainders (Euclid, Elements VII.2), of which those of operands
+/// of one size are left to the next form. An operand of 0 gives the other one.
 ///
 /// The signed forms take the magnitudes; a result of 2^63 comes back as -2^63.
 BIG_API unsigned int big_gcd_modulo(unsigned int a, unsigned int b);
