@@ -10,6 +10,12 @@
 
 #include <gtest/gtest.h>
 
+#ifdef BIGQ_HAS_STORE
+#define STORE "store, "
+#else
+#define STORE ""
+#endif
+
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -349,7 +355,7 @@ TEST(BigqTime, AWrongCommandLineReturns2AndDoesNothing) {
     // clang-format off
     run_cases({
         {"no command",             "bigq",                             "1 ns\n", "", "bigq: expected a command" + top_hint, 2},
-        {"no such command",        "bigq tame",                        "1 ns\n", "", "bigq: \"tame\" is not a command: expected compare, delay, fraction, freq, gcd, radix, time, u128" + top_hint, 2},
+        {"no such command",        "bigq tame",                        "1 ns\n", "", "bigq: \"tame\" is not a command: expected compare, delay, fraction, freq, gcd, radix, " STORE "time, u128" + top_hint, 2},
         {"no such option",         "bigq time --tos ns",               "1 ns\n", "", "bigq: time: The following argument was not expected: --tos" + hint, 2},
         {"no such letter",         "bigq time -x",                     "1 ns\n", "", "bigq: time: The following argument was not expected: -x" + hint, 2},
         {"no value",               "bigq time --to",                   "1 ns\n", "", "bigq: time: --to: expected a value" + hint, 2},
