@@ -118,6 +118,7 @@ constexpr STATE_ROW STATES[] = {
     // What was not there when the transaction looked is there now.
     {"23505", PDB_STORE_ERROR::CONFLICT},  // unique_violation
     {"42P07", PDB_STORE_ERROR::CONFLICT},  // duplicate_table
+    {"42710", PDB_STORE_ERROR::CONFLICT},  // duplicate_object: the type of a table's rows
     {"55P03", PDB_STORE_ERROR::BUSY},      // lock_not_available
     {"25006", PDB_STORE_ERROR::READ_ONLY}, // read_only_sql_transaction
     // The tables are not those of a store, or their pages are not what they were.
