@@ -259,7 +259,7 @@ TEST(PdbStorePowerLoss, AChangedByteInWhatTakesTheLastSaveBackIsAnError) {
     std::mt19937 random(SEED);
     std::size_t const size = disk.at(path).size();
     std::cout << size << " bytes, seed " << SEED << '\n';
-    std::size_t const stride = static_cast<std::size_t>(campaign_size(37, 1));
+    std::size_t const stride = static_cast<std::size_t>(campaign_size(101, 1));
     for (std::size_t at = 0; at < size; at += at < 600 ? 1 : stride) {
         DISK changed = disk;
         char& byte = changed.at(path)[at];
@@ -369,7 +369,7 @@ TEST(PdbStoreDamage, AChangedByteIsAnErrorOrChangesNothing) {
         file.seekp(static_cast<std::streamoff>(at));
         file.put(byte).flush();
     };
-    std::size_t const stride = static_cast<std::size_t>(campaign_size(17, 1));
+    std::size_t const stride = static_cast<std::size_t>(campaign_size(53, 1));
     for (std::size_t at = 0; at < content.size(); at += at < 100 ? 1 : stride) {
         char const mask = static_cast<char>(1 + random() % 255);
         put(at, static_cast<char>(content[at] ^ mask));
@@ -382,7 +382,7 @@ TEST(PdbStoreDamage, AChangedByteIsAnErrorOrChangesNothing) {
 
 TEST(PdbStoreDamage, ACutFileIsAnError) {
     SMALL_STORE const store;
-    std::size_t const stride = static_cast<std::size_t>(campaign_size(17, 1));
+    std::size_t const stride = static_cast<std::size_t>(campaign_size(53, 1));
     for (std::size_t size = 0; size < store.content().size(); size += size < 100 ? 1 : stride) {
         write_content(store.path(), std::string_view(store.content()).substr(0, size));
         EXPECT_THROW(checked_dump_of(store.path()), PDB_STORE_ERROR) << size << " bytes left";
