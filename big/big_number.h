@@ -234,7 +234,7 @@ void write_hex(VALUE const& value, std::size_t digits, std::string* result) {
 inline void write_limbs(WORD const* digits, std::size_t count, bool has_minus, std::string* result,
                         std::size_t at) {
     WORD const top = count == 0 ? 0 : digits[count - 1];
-    std::size_t const top_length = big_digits::decimal_length(top);
+    std::size_t const top_length = big_digit_count(top);
     std::size_t const others = count == 0 ? 0 : count - 1;
 
     make_room(result, at + has_minus + top_length + DIGITS_PER_LIMB * others);

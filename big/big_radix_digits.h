@@ -9,6 +9,7 @@
 ///
 /// A number is an array of words, least significant first; a text is most significant digit first.
 
+#include "big_digits.h"
 #include "big_limb.h"
 
 #include <array>
@@ -521,29 +522,12 @@ inline void write_hex(WORD const* words, std::size_t used, std::size_t n, char* 
 
 using big_natural::DIGITS_PER_LIMB;
 
-/// Whether eight characters are all decimal digits: their upper halves are 3, and still are when 6
-/// is added.
-constexpr bool are_decimal(WORD characters) {
-    return ((characters & everywhere(0xF0))
-            | ((characters + everywhere(6)) & everywhere(0xF0)) >> 4)
-           == everywhere(0x33);
-}
-
-/// The number that eight decimal digits form: neighbours are joined to pairs, pairs to groups of
-/// four, and these to one, each step by one product that multiplies the first of two neighbours by
-/// its weight and adds the second one above it.
-constexpr WORD eight_decimal(WORD characters) {
-    WORD const digits = characters & everywhere(0x0F);
-    WORD const pairs = digits * (10 << 8 | 1) >> 8 & 0x00FF00FF00FF00FF;
-    WORD const fours = pairs * (100 << 16 | 1) >> 16 & 0x0000FFFF0000FFFF;
-    return fours * (WORD{10000} << 32 | 1) >> 32;
-}
-
 constexpr WORD TEN_TO_8 = 100'000'000;
 constexpr WORD TEN_TO_16 = TEN_TO_8 * TEN_TO_8;
 
 /// Reads 16 decimal digits. Returns false when one of them is none. With SSE2 the steps are those
-/// of eight_decimal(), in 16 bytes at once (Mula, "Parsing decimal numbers - part 2: SSE", 2014).
+/// of big_number_of_eight_digits(), in 16 bytes at once (Mula, "Parsing decimal numbers - part 2:
+/// SSE", 2014).
 inline bool read_16_decimal_digits(char const* text, WORD& number) {
 #if BIG_SSE2
     __m128i const characters = _mm_loadu_si128(reinterpret_cast<__m128i const*>(text));
@@ -559,10 +543,10 @@ inline bool read_16_decimal_digits(char const* text, WORD& number) {
     number = (both & 0xFFFFFFFF) * TEN_TO_8 + (both >> 32);
     return _mm_movemask_epi8(are_digits) == 0xFFFF;
 #else
-    WORD const upper = load_characters(text);
-    WORD const lower = load_characters(text + 8);
-    number = eight_decimal(upper) * TEN_TO_8 + eight_decimal(lower);
-    return are_decimal(upper) && are_decimal(lower);
+    WORD const upper = load_characters(text) ^ everywhere('0');
+    WORD const lower = load_characters(text + 8) ^ everywhere('0');
+    number = big_number_of_eight_digits(upper) * TEN_TO_8 + big_number_of_eight_digits(lower);
+    return big_all_are_digits(upper) && big_all_are_digits(lower);
 #endif
 }
 
@@ -571,17 +555,17 @@ inline bool read_decimal_digits(char const* text, std::size_t n, WORD& number) {
     bool legal = true;
     WORD upper = 0;
     if (n % 8 != 0) {
-        WORD const characters = load_first(text, n);
-        legal = are_decimal(characters);
-        upper = eight_decimal(characters);
+        WORD const digits = load_first(text, n) ^ everywhere('0');
+        legal = big_all_are_digits(digits);
+        upper = big_number_of_eight_digits(digits);
     }
     text += n % 8;
     if (n < 8) {
         number = upper;
     } else if (n < 16) {
-        WORD const characters = load_characters(text);
-        legal &= are_decimal(characters);
-        number = upper * TEN_TO_8 + eight_decimal(characters);
+        WORD const digits = load_characters(text) ^ everywhere('0');
+        legal &= big_all_are_digits(digits);
+        number = upper * TEN_TO_8 + big_number_of_eight_digits(digits);
     } else {
         legal &= read_16_decimal_digits(text, number);
         number += upper * TEN_TO_16;
@@ -598,58 +582,11 @@ inline bool read_decimal(char const* text, std::size_t n, WORD* limbs) {
     return n == 0 || read_decimal_digits(text, n, *limbs);
 }
 
-constexpr std::array<WORD, 20> POWER_OF_TEN = [] {
-    std::array<WORD, 20> powers{1};
-    for (std::size_t i = 1; i < powers.size(); ++i)
-        powers[i] = 10 * powers[i - 1];
-    return powers;
-}();
-
-/// The decimal digits of a number, 1 for 0. 1233 / 4096 is log10(2), slightly more, so the estimate
-/// from the number's bits is right or one too large.
-constexpr std::size_t decimal_length(WORD number) {
-    number |= 1; // changes no length but that of 0
-    auto const estimate = static_cast<std::size_t>(std::bit_width(number)) * 1233 >> 12;
-    return estimate + (number >= POWER_OF_TEN[estimate]);
-}
-
-/// Writes a number below 10^8 as eight decimal digits: it is split in halves, each half into pairs
-/// and each pair into digits, both halves and then all pairs at once. The quotients by 100 and by
-/// 10 are products with 10486 / 2^20 and 103 / 2^10, exact for dividends below 10^4 and below 100.
-constexpr WORD eight_decimal_characters(WORD number) {
-    WORD const fours = number / 10000 | number % 10000 << 32;
-    WORD const hundreds = fours * 10486 >> 20 & 0x0000007F0000007F;
-    WORD const pairs = hundreds | (fours - 100 * hundreds) << 16;
-    WORD const tens = pairs * 103 >> 10 & 0x000F000F000F000F;
-    return (tens | (pairs - 10 * tens) << 8) | everywhere('0');
-}
-
-/// Writes a number below 10^16 as 16 decimal digits. With SSE2 the steps are those of
-/// eight_decimal_characters(), in two words at once (Mula, "SSE: conversion integers to decimal
-/// representation", 2011), with quotients from the upper halves of products: by 10^4 with
-/// 3518437209 / 2^45, exact below 2^32, by 100 and by 10 with 5243 / 2^19 and 6554 / 2^16.
-inline void write_16_decimal_digits(WORD number, char* text) {
-    WORD const upper = number / TEN_TO_8;
-    WORD const lower = number % TEN_TO_8;
-#if BIG_SSE2
-    __m128i const eights =
-        _mm_set_epi64x(static_cast<long long>(lower), static_cast<long long>(upper));
-    __m128i const upper_fours =
-        _mm_srli_epi64(_mm_mul_epu32(eights, _mm_set1_epi32(static_cast<int>(3518437209))), 45);
-    __m128i const lower_fours =
-        _mm_sub_epi32(eights, _mm_mul_epu32(upper_fours, _mm_set1_epi32(10000)));
-    __m128i const fours = _mm_or_si128(upper_fours, _mm_slli_epi64(lower_fours, 32));
-    __m128i const hundreds = _mm_srli_epi16(_mm_mulhi_epu16(fours, _mm_set1_epi16(5243)), 3);
-    __m128i const rests = _mm_sub_epi16(fours, _mm_mullo_epi16(hundreds, _mm_set1_epi16(100)));
-    __m128i const pairs = _mm_or_si128(hundreds, _mm_slli_epi32(rests, 16));
-    __m128i const tens = _mm_mulhi_epu16(pairs, _mm_set1_epi16(6554));
-    __m128i const ones = _mm_sub_epi16(pairs, _mm_mullo_epi16(tens, _mm_set1_epi16(10)));
-    __m128i const digits = _mm_or_si128(tens, _mm_slli_epi16(ones, 8));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(text), _mm_or_si128(digits, _mm_set1_epi8('0')));
-#else
-    store_characters(eight_decimal_characters(upper), text);
-    store_characters(eight_decimal_characters(lower), text + 8);
-#endif
+/// Writes the last digits of a number below 10^8, the first `left_out` of eight left out. Eight
+/// characters at the place are overwritten.
+inline void write_last_of_eight(WORD number, std::size_t left_out, char* text) {
+    big_store_eight_digits(text,
+                           big_eight_digits(static_cast<unsigned int>(number)) >> 8 * left_out);
 }
 
 /// Writes a number of at most n decimal digits, n at most 20, with zeros in front.
@@ -661,11 +598,11 @@ inline void write_decimal_digits(WORD number, std::size_t n, char* text) {
     }
     // The first digits are written as eight; what these are too many is written over.
     if (n < 16) {
-        store_characters(eight_decimal_characters(number / TEN_TO_8) >> 8 * (16 - n) % 64, text);
-        store_characters(eight_decimal_characters(number % TEN_TO_8), text + n - 8);
+        write_last_of_eight(number / TEN_TO_8, (16 - n) % 8, text);
+        write_last_of_eight(number % TEN_TO_8, 0, text + n - 8);
     } else {
-        store_characters(eight_decimal_characters(number / TEN_TO_16) >> 8 * (24 - n) % 64, text);
-        write_16_decimal_digits(number % TEN_TO_16, text + n - 16);
+        write_last_of_eight(number / TEN_TO_16, (24 - n) % 8, text);
+        big_sixteen_digits(number % TEN_TO_16).store(text + n - 16);
     }
 }
 
@@ -675,14 +612,14 @@ constexpr std::size_t LONGEST_DECIMAL = 33;
 /// Writes a number in decimal in front of a place and returns where its text begins. There are
 /// zeros in front of that, up to a multiple of 16 characters.
 inline char* write_decimal_before(WORD number, char* end) {
-    char* const begin = end - decimal_length(number);
+    char* const begin = end - big_digit_count(number);
     if (number < TEN_TO_8) {
-        store_characters(eight_decimal_characters(number), end - 8);
+        write_last_of_eight(number, 0, end - 8);
         return begin;
     }
     do {
         end -= 16;
-        write_16_decimal_digits(number % TEN_TO_16, end);
+        big_sixteen_digits(number % TEN_TO_16).store(end);
         number /= TEN_TO_16;
     } while (number != 0);
     return begin;

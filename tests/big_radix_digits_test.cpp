@@ -3,6 +3,7 @@
 #include "big_radix_digits.h"
 #include "radix_oracle.h"
 
+#include <array>
 #include <random>
 #include <string>
 #include <vector>
@@ -14,6 +15,13 @@ namespace {
 using namespace big_digits;
 
 using WORDS = std::vector<WORD>;
+
+constexpr std::array<WORD, 20> POWER_OF_TEN = [] {
+    std::array<WORD, 20> powers{1};
+    for (std::size_t i = 1; i < powers.size(); ++i)
+        powers[i] = 10 * powers[i - 1];
+    return powers;
+}();
 
 #ifdef NDEBUG
 constexpr int MANY = 20000;
@@ -216,18 +224,18 @@ TEST(BigRadixDigits, EveryByteIsWrittenAndReadInBinary) {
 // --- Decimal -------------------------------------------------------------------------------------
 
 TEST(BigRadixDigits, DecimalLengthTurnsAtThePowersOfTen) {
-    EXPECT_EQ(decimal_length(0), 1u);
+    EXPECT_EQ(big_digit_count(0), 1u);
     for (std::size_t length = 1; length <= 19; ++length) {
         WORD const power = POWER_OF_TEN[length];
-        EXPECT_EQ(decimal_length(power - 1), length);
-        EXPECT_EQ(decimal_length(power), length + 1);
-        EXPECT_EQ(decimal_length(power + 1), length + 1);
+        EXPECT_EQ(big_digit_count(power - 1), length);
+        EXPECT_EQ(big_digit_count(power), length + 1);
+        EXPECT_EQ(big_digit_count(power + 1), length + 1);
     }
-    EXPECT_EQ(decimal_length(~WORD{0}), 20u);
+    EXPECT_EQ(big_digit_count(~WORD{0}), 20u);
     for (int bit = 0; bit < 64; ++bit) {
         WORD const power = WORD{1} << bit;
-        EXPECT_EQ(decimal_length(power), std::to_string(power).size());
-        EXPECT_EQ(decimal_length(power - 1), std::to_string(power - 1).size());
+        EXPECT_EQ(big_digit_count(power), std::to_string(power).size());
+        EXPECT_EQ(big_digit_count(power - 1), std::to_string(power - 1).size());
     }
 }
 
@@ -235,9 +243,9 @@ TEST(BigRadixDigits, EveryFourDecimalDigitsAreWrittenInEitherHalfOfEight) {
     for (WORD number = 0; number < 10000; ++number) {
         std::string const four = std::to_string(10000 + number).substr(1);
         std::string text(8, '?');
-        store_characters(eight_decimal_characters(number), text.data());
+        write_last_of_eight(number, 0, text.data());
         ASSERT_EQ(text, "0000" + four);
-        store_characters(eight_decimal_characters(10000 * number + 9999 - number), text.data());
+        write_last_of_eight(10000 * number + 9999 - number, 0, text.data());
         ASSERT_EQ(text, four + std::to_string(19999 - number).substr(1));
     }
 }
@@ -249,7 +257,7 @@ TEST(BigRadixDigits, EveryFourDecimalDigitsAreWrittenAndReadInEachQuarterOfSixte
             for (WORD const whole : {placed, POWER_OF_TEN[16] - 1 - placed}) {
                 std::string const expected = std::to_string(POWER_OF_TEN[16] + whole).substr(1);
                 std::string text(16, '?');
-                write_16_decimal_digits(whole, text.data());
+                big_sixteen_digits(whole).store(text.data());
                 ASSERT_EQ(text, expected);
                 WORD read = 0;
                 ASSERT_TRUE(read_16_decimal_digits(text.data(), read));
