@@ -75,7 +75,9 @@ std::optional<std::string_view> blank_field(std::string_view line, unsigned long
 class FILTER {
 public:
     FILTER(FILTER_OPTIONS const& options, CONVERSION& conversion)
-        : m_options(options), m_conversion(conversion) {}
+        : m_options(options), m_conversion(conversion) {
+        m_result.reserve(RESULT_ROOM);
+    }
 
     EXIT_STATUS convert_texts(std::vector<std::string> const& texts);
     EXIT_STATUS convert_joined(std::vector<std::string> const& texts);
@@ -87,6 +89,9 @@ private:
     OUTCOME convert_text(std::string_view text);
     void write_line(LINE const& line, std::string_view field, std::string_view result);
     void write_object(std::string_view text, OUTCOME outcome);
+
+    /// The library writes a text in place where there is room for any.
+    static constexpr std::size_t RESULT_ROOM = 128;
 
     FILTER_OPTIONS const& m_options;
     CONVERSION& m_conversion;
@@ -197,9 +202,14 @@ OUTCOME FILTER::convert_text(std::string_view text) {
 /// Writes a line with a result in place of its field.
 void FILTER::write_line(LINE const& line, std::string_view field, std::string_view result) {
     std::size_t const field_begin = static_cast<std::size_t>(field.data() - line.text.data());
-    m_output.add(line.text.substr(0, field_begin));
+    bool const is_whole = field.size() == line.text.size();
+    if (!is_whole) {
+        m_output.add(line.text.substr(0, field_begin));
+    }
     m_output.add(result);
-    m_output.add(line.text.substr(field_begin + field.size()));
+    if (!is_whole) {
+        m_output.add(line.text.substr(field_begin + field.size()));
+    }
     m_output.add(line.end);
 }
 

@@ -40,9 +40,8 @@ public:
     void add_members(JSON_OBJECT& object) const override;
 
 private:
-    bool is_convertible() const;
+    bool is_convertible(BIG_TIME::UNIT_CATEGORY category) const;
     void print(std::string& result) const;
-    bool is_inverted() const;
 
     TIME_OPTIONS const m_options;
     BIG_TIME::UNIT_CATEGORY const m_target_category;
@@ -57,7 +56,8 @@ OUTCOME TIME_CONVERSION::convert(std::string const& text, std::string& result,
     if (outcome == OUTCOME::REFUSED) {
         return outcome;
     }
-    if (!is_convertible()) {
+    BIG_TIME::UNIT_CATEGORY const category = category_of(m_time);
+    if (!is_convertible(category)) {
         problem = std::string("cannot be given in ")
                   + BIG_TIME::get_unit_name(m_options.target_unit)
                   + ": a data rate is no time and no frequency";
@@ -65,19 +65,20 @@ OUTCOME TIME_CONVERSION::convert(std::string const& text, std::string& result,
     }
     print(result);
     // Rounding to --precision is what the user asked for, and not a loss.
-    if (outcome == OUTCOME::CONVERTED && is_inverted() && is_cut_when_inverted(m_time, problem)) {
+    bool const is_inverted = m_options.target == TARGET::UNIT && category != m_target_category;
+    if (outcome == OUTCOME::CONVERTED && is_inverted && is_cut_when_inverted(m_time, problem)) {
         return OUTCOME::LOST_DIGITS;
     }
     return outcome;
 }
 
-/// Whether the value can be given in the target unit. The library would take the count of a data
-/// rate for picoseconds or hertz.
-bool TIME_CONVERSION::is_convertible() const {
+/// Whether a value of a category can be given in the target unit. The library would take the count
+/// of a data rate for picoseconds or hertz.
+bool TIME_CONVERSION::is_convertible(BIG_TIME::UNIT_CATEGORY category) const {
     if (m_options.target != TARGET::UNIT) {
         return true;
     }
-    return (category_of(m_time) == BIG_TIME::DATA_RATE_CATEGORY)
+    return (category == BIG_TIME::DATA_RATE_CATEGORY)
            == (m_target_category == BIG_TIME::DATA_RATE_CATEGORY);
 }
 
@@ -92,11 +93,6 @@ void TIME_CONVERSION::print(std::string& result) const {
         m_time.to_string(&result, m_options.target_unit, m_options.precision, m_options.trim);
         break;
     }
-}
-
-/// Whether the result is the period of a frequency or the frequency of a period.
-bool TIME_CONVERSION::is_inverted() const {
-    return m_options.target == TARGET::UNIT && category_of(m_time) != m_target_category;
 }
 
 void TIME_CONVERSION::add_members(JSON_OBJECT& object) const {
