@@ -146,7 +146,8 @@ DIGEST read_array(std::string const& path) {
     return digest;
 }
 
-// --- A loop over SQLite's prepared statements ---
+// --- A loop over SQLite's prepared statements, on a table and with settings as the store has them;
+//     what should be a checksum is any number ---
 
 #ifdef BIG_BENCH_SQLITE
 
@@ -154,6 +155,7 @@ class SQLITE {
 public:
     explicit SQLITE(std::string const& path) {
         require(sqlite3_open(path.c_str(), &m_database) == SQLITE_OK, "sqlite3_open");
+        run("PRAGMA synchronous=EXTRA; PRAGMA cell_size_check=ON; PRAGMA cache_size=-32768");
     }
     SQLITE(SQLITE const&) = delete;
     SQLITE& operator=(SQLITE const&) = delete;
@@ -176,20 +178,25 @@ private:
 };
 
 void bind_name(sqlite3_stmt* statement, std::string const& name) {
-    sqlite3_bind_text(statement, 1, name.data(), static_cast<int>(name.size()), SQLITE_STATIC);
+    sqlite3_bind_blob(statement, 1, name.data(), static_cast<int>(name.size()), SQLITE_STATIC);
 }
+
+/// A number as long as a checksum mostly is.
+constexpr sqlite3_int64 some_checksum = 0x123456789ABCDEF0;
 
 void write_sqlite(std::string const& path) {
     std::shared_ptr<VALUES const> const values = all_values();
     SQLITE database(path);
-    database.run(
-        "CREATE TABLE times(name TEXT PRIMARY KEY, value INTEGER, unit INTEGER) WITHOUT ROWID");
+    database.run("CREATE TABLE times(name BLOB PRIMARY KEY NOT NULL, value INTEGER NOT NULL, "
+                 "unit INTEGER NOT NULL, checksum INTEGER NOT NULL) WITHOUT ROWID");
     database.run("BEGIN");
-    sqlite3_stmt* const statement = database.prepare("INSERT INTO times VALUES(?, ?, ?)");
+    sqlite3_stmt* const statement =
+        database.prepare("INSERT OR REPLACE INTO times VALUES(?, ?, ?, ?)");
     for (std::size_t i = 0; i < values->names.size(); ++i) {
         bind_name(statement, values->names[i]);
         sqlite3_bind_int64(statement, 2, values->times[i].get_time_value());
         sqlite3_bind_int(statement, 3, values->times[i].get_time_unit());
+        sqlite3_bind_int64(statement, 4, some_checksum);
         require(sqlite3_step(statement) == SQLITE_DONE, "INSERT");
         sqlite3_reset(statement);
     }
@@ -200,11 +207,12 @@ DIGEST read_sqlite(std::string const& path) {
     SQLITE database(path);
     database.run("BEGIN");
     sqlite3_stmt* const statement =
-        database.prepare("SELECT value, unit FROM times WHERE name = ?");
+        database.prepare("SELECT value, unit, checksum FROM times WHERE name = ?");
     DIGEST digest;
     for (std::string const& name : all_values()->names) {
         bind_name(statement, name);
-        if (sqlite3_step(statement) == SQLITE_ROW)
+        if (sqlite3_step(statement) == SQLITE_ROW
+            && sqlite3_column_int64(statement, 2) == some_checksum)
             digest.add(sqlite3_column_int64(statement, 0), sqlite3_column_int(statement, 1));
         sqlite3_reset(statement);
     }
@@ -214,13 +222,14 @@ DIGEST read_sqlite(std::string const& path) {
 DIGEST scan_sqlite(std::string const& path) {
     SQLITE database(path);
     sqlite3_stmt* const statement =
-        database.prepare("SELECT name, value, unit FROM times ORDER BY name");
+        database.prepare("SELECT name, value, unit, checksum FROM times ORDER BY name");
     DIGEST digest;
     std::string name;
     while (sqlite3_step(statement) == SQLITE_ROW) {
         name.assign(static_cast<char const*>(sqlite3_column_blob(statement, 0)),
                     static_cast<std::size_t>(sqlite3_column_bytes(statement, 0)));
-        digest.add(sqlite3_column_int64(statement, 1), sqlite3_column_int(statement, 2));
+        if (sqlite3_column_int64(statement, 3) == some_checksum)
+            digest.add(sqlite3_column_int64(statement, 1), sqlite3_column_int(statement, 2));
     }
     return digest;
 }
@@ -373,6 +382,20 @@ void add_writer(COMPARISON& to, std::string const& who, void (*write)(std::strin
         read);
 }
 
+/// Adds one who writes into a new file each time and reads it again.
+void add_writer_and_reader(COMPARISON& to, std::string const& who,
+                           void (*write)(std::string const&), DIGEST (*read)(std::string const&)) {
+    to.add(
+        who, [](int) { return 0; },
+        [=](int) {
+            std::string const path = new_file();
+            write(path);
+            DIGEST const digest = read(path);
+            std::filesystem::remove(path);
+            return digest;
+        });
+}
+
 /// Adds one who reads a file that `write` has written.
 void add_reader(COMPARISON& to, std::string const& who, void (*write)(std::string const&),
                 DIGEST (*read)(std::string const&)) {
@@ -392,17 +415,20 @@ void bench::add_comparisons() {
     ::COMPARISON write = comparison("write_values");
     ::COMPARISON read = comparison("read_values");
     ::COMPARISON scan = comparison("scan_values");
+    ::COMPARISON both = comparison("write_and_read_values");
     ::COMPARISON array_write = comparison("write_array");
     ::COMPARISON array_read = comparison("read_array");
     add_writer(write, "ours", write_values, read_values);
     add_reader(read, "ours", write_values, read_values);
     add_reader(scan, "ours", write_values, scan_values);
+    add_writer_and_reader(both, "ours", write_values, read_values);
     add_writer(array_write, "ours", write_array, read_array);
     add_reader(array_read, "ours", write_array, read_array);
 #ifdef BIG_BENCH_SQLITE
     add_writer(write, "sqlite", write_sqlite, read_sqlite);
     add_reader(read, "sqlite", write_sqlite, read_sqlite);
     add_reader(scan, "sqlite", write_sqlite, scan_sqlite);
+    add_writer_and_reader(both, "sqlite", write_sqlite, read_sqlite);
     add_writer(array_write, "sqlite", write_sqlite, read_sqlite);
     add_reader(array_read, "sqlite", write_sqlite, read_sqlite);
     add_reader(array_read, "sqlite_scan", write_sqlite, scan_sqlite);
@@ -411,6 +437,7 @@ void bench::add_comparisons() {
     add_writer(write, "lmdb", write_lmdb, read_lmdb);
     add_reader(read, "lmdb", write_lmdb, read_lmdb);
     add_reader(scan, "lmdb", write_lmdb, scan_lmdb);
+    add_writer_and_reader(both, "lmdb", write_lmdb, read_lmdb);
 #endif
     add_writer(array_write, "file", write_file, read_file);
     add_reader(array_read, "file", write_file, read_file);

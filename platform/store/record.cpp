@@ -471,30 +471,33 @@ constexpr CRC_TABLES TABLES = make_tables();
 
 } // namespace
 
-// Takes eight bytes at once, the first of them lowest, with one table for each place among them
-// (Kounavis and Berry, "A Systematic Approach to Building High Performance Software-Based CRC
+// Takes up to eight bytes at once, the first of them lowest, with one table for each place among
+// them (Kounavis and Berry, "A Systematic Approach to Building High Performance Software-Based CRC
 // Generators", 2005).
-inline void CHECKSUM::add_group(std::uint64_t group) {
+[[gnu::always_inline]] inline void CHECKSUM::add_group(std::uint64_t group, std::size_t bytes) {
     group ^= m_state;
-    m_state = 0;
-    for (std::size_t k = 0; k < 8; ++k)
-        m_state ^= TABLES[7 - k][(group >> (8 * k)) & 255];
+    m_state = bytes == 8 ? 0 : m_state >> 8 * bytes;
+#pragma GCC unroll 8
+    for (std::size_t k = 0; k < bytes; ++k)
+        m_state ^= TABLES[bytes - 1 - k][group >> 8 * k & 255];
 }
 
 CHECKSUM& CHECKSUM::add(std::string_view bytes) {
     while (bytes.size() >= 8) {
         std::uint64_t group;
         std::memcpy(&group, bytes.data(), 8);
-        add_group(group);
+        add_group(group, 8);
         bytes.remove_prefix(8);
     }
-    for (char const c : bytes)
-        m_state = (m_state >> 8) ^ TABLES[0][(m_state ^ static_cast<unsigned char>(c)) & 255];
+    std::uint64_t rest = 0;
+    for (std::size_t k = bytes.size(); k-- > 0;)
+        rest = rest << 8 | static_cast<unsigned char>(bytes[k]);
+    add_group(rest, bytes.size());
     return *this;
 }
 
 CHECKSUM& CHECKSUM::add(std::uint64_t number) {
-    add_group(highest_byte_first(number));
+    add_group(highest_byte_first(number), 8);
     return *this;
 }
 

@@ -108,7 +108,7 @@ public:
     std::uint64_t value() const { return ~m_state; }
 
 private:
-    void add_group(std::uint64_t group);
+    void add_group(std::uint64_t group, std::size_t bytes);
 
     std::uint64_t m_state = ~std::uint64_t{0};
 };
