@@ -18,6 +18,7 @@
 #include "big_digits.h"
 #include "big_sys.h"
 #include "big_text.h"
+#include "big_unit_names.h"
 #include "big_units.h"
 #include "cfg_sys.h"
 #include "gen_sys.h"
@@ -157,8 +158,9 @@ bool BIG_TIME::set_time(long long value, std::string const& unit_text) {
 //
 // Nearly all texts are plain: at least one digit before the point, at most 18 digits, and a value
 // that fits and needs no report. The plain reader below takes those in one pass over the
-// characters, without a copy. Whatever it does not take, for whatever reason, goes through the
-// general reader, which edits the number as text and settles every oddity and every report.
+// characters, without a copy, and is compiled into both functions that use it as one piece.
+// Whatever it does not take, for whatever reason, goes through the general reader, which edits the
+// number as text and settles every oddity and every report.
 
 namespace {
 
@@ -172,7 +174,8 @@ struct PLAIN_NUMBER {
 constexpr std::ptrdiff_t plain_digits_at_most = 18; // any 18 digits fit 64 bits
 
 /// Scans ["+" | "-"] digits ["." [digits]] from `at` and moves `at` behind it.
-bool scan_plain_number(char const*& at, char const* end, PLAIN_NUMBER& number) {
+[[gnu::always_inline]] inline bool scan_plain_number(char const*& at, char const* end,
+                                                     PLAIN_NUMBER& number) {
     char const* p = at;
     if (p != end && (*p == '-' || *p == '+'))
         number.negative = *p++ == '-';
@@ -196,8 +199,9 @@ bool scan_plain_number(char const*& at, char const* end, PLAIN_NUMBER& number) {
 }
 
 /// Scales a plain number into the storage unit. False for what the general reader must settle.
-bool store_plain_number(PLAIN_NUMBER const& number, BIG_TIME::TIME_UNIT unit, bool post_messages,
-                        long long& value) {
+[[gnu::always_inline]] inline bool store_plain_number(PLAIN_NUMBER const& number,
+                                                      BIG_TIME::TIME_UNIT unit, bool post_messages,
+                                                      long long& value) {
     int const resolution = BIG_TIME::s_fraction_digits[unit]; // below 0 for femtoseconds
     unsigned long long magnitude = number.digits;
     if (number.places <= resolution) {
@@ -221,7 +225,7 @@ bool store_plain_number(PLAIN_NUMBER const& number, BIG_TIME::TIME_UNIT unit, bo
     return true;
 }
 
-std::string_view without_blanks_around(std::string_view text) {
+[[gnu::always_inline]] inline std::string_view without_blanks_around(std::string_view text) {
     while (!text.empty() && big_is_blank(text.front()))
         text.remove_prefix(1);
     while (!text.empty() && big_is_blank(text.back()))

@@ -6,8 +6,6 @@
 
 #include "big_sys.h"
 
-#include <string_view>
-
 // clang-format off
 //      enumerator      text         power of ten to the storage unit of its category
 #define BIG_UNIT_ROWS(row)                  \
@@ -27,9 +25,5 @@
     row(UNIT_MBPS,      "Mbps",      6)     \
     row(UNIT_GBPS,      "Gbps",      9)
 // clang-format on
-
-/// The unit whose name a text is, in either letter case and with nothing around it; MAX_TIME_UNIT
-/// for every other text, the empty one included.
-BIG_TIME::TIME_UNIT big_plain_unit(std::string_view text) BIG_LOCAL;
 
 #endif
