@@ -838,12 +838,14 @@ public:
     // --- Comparison and logic; zero is false ---
 
     BIG_INLINE bool operator==(BIG_ULONG128 const& other) const {
-        return (m_length == other.m_length) & (value() == other.value());
+        return (m_length == other.m_length)
+               & (((all_cells() ^ other.all_cells()) & bits_below(m_length)) == 0);
     }
     BIG_INLINE bool operator!=(BIG_ULONG128 const& other) const { return !(*this == other); }
     BIG_INLINE bool operator>(BIG_ULONG128 const& other) const {
-        return (m_length > other.m_length)
-               | ((m_length == other.m_length) & (value() > other.value()));
+        // Where the cells count, the lengths are equal, and so one mask serves both.
+        WIDE const mask = bits_below(m_length);
+        return is_greater(m_length, all_cells() & mask, other.m_length, other.all_cells() & mask);
     }
     BIG_INLINE bool operator>=(BIG_ULONG128 const& other) const { return !(other > *this); }
     BIG_INLINE bool operator<(BIG_ULONG128 const& other) const { return other > *this; }
@@ -902,7 +904,7 @@ private:
         auto const low = static_cast<unsigned long long>(value);
         auto const high = static_cast<unsigned long long>(value >> 64);
         // Counted without a branch, since lengths come in no order.
-        return 1 + ((low >> 32 | high) != 0) + (high != 0) + (high >> 32 != 0);
+        return 4 - ((low >> 32 | high) == 0) - (high == 0) - (high >> 32 == 0);
     }
 
     /// The bits of the cells below a length.
@@ -914,6 +916,12 @@ private:
 
     /// The number that the cells in use form; 0 for an erased value.
     BIG_LOCAL WIDE value() const { return all_cells() & bits_below(m_length); }
+
+    /// Whether one number is greater than another, by their lengths and then by their cells: these
+    /// count for one, which decides between equal lengths.
+    BIG_LOCAL static bool is_greater(int length, WIDE value, int other_length, WIDE other) {
+        return length + (value > other) > other_length;
+    }
 
     /// Takes over a number of some length and leaves the cells above it as they are.
     BIG_LOCAL BIG_ULONG128& assign(WIDE value, int length) {
@@ -1000,9 +1008,11 @@ BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator++(int) {
 }
 
 BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator-(BIG_ULONG128 const& other) const {
-    if (other > *this)
+    WIDE const minuend = value();
+    WIDE const subtrahend = other.value();
+    if (is_greater(other.m_length, subtrahend, m_length, minuend))
         report_underflow();
-    return of(value() - other.value());
+    return of(minuend - subtrahend);
 }
 
 BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator--(int) {
@@ -1012,16 +1022,18 @@ BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator--(int) {
 }
 
 BIG_INLINE BIG_ULONG128 BIG_ULONG128::operator*(BIG_ULONG128 const& other) const {
-    //  (a_high x 2^64 + a_low) x (b_high x 2^64 + b_low): a product that fits has no high x high,
-    //  and what it has above low x low fits in the upper half.
+    // Of (a_high x 2^64 + a_low) x (b_high x 2^64 + b_low) one upper half at least is 0 where the
+    // product fits. What it has above low x low is then the other one times the low half of the
+    // factor that it does not come from, and fits in the upper half.
     WIDE const a = value();
     WIDE const b = other.value();
-    WIDE const a_high = a >> 64;
-    WIDE const b_high = b >> 64;
-    WIDE const a_low = static_cast<unsigned long long>(a);
-    WIDE const b_low = static_cast<unsigned long long>(b);
-    WIDE const low = a_low * b_low;
-    WIDE const upper = (low >> 64) + a_high * b_low + a_low * b_high;
+    auto const a_high = static_cast<unsigned long long>(a >> 64);
+    auto const b_high = static_cast<unsigned long long>(b >> 64);
+    auto const a_low = static_cast<unsigned long long>(a);
+    auto const b_low = static_cast<unsigned long long>(b);
+    WIDE const low = static_cast<WIDE>(a_low) * b_low;
+    WIDE const upper =
+        (low >> 64) + static_cast<WIDE>(a_high | b_high) * (a_high != 0 ? b_low : a_low);
     if (((a_high != 0) & (b_high != 0)) | (upper >> 64 != 0))
         return multiply_by_cells(other);
     return of(upper << 64 | static_cast<unsigned long long>(low));
