@@ -33,6 +33,7 @@ TEST(BigqFraction, ComputesInLowestTerms) {
         {"no binary rounding",        "bigq fraction '0.1 + 0.2 - 0.3'",              "", "0\n", "", 0},
         {"lines",                     "bigq fraction", "1/2 + 1/3\r\n1/4\n",              "5/6\r\n1/4\n", "", 0},
         {"the double",                "bigq fraction --double 1/3 1/4 3 0.000001",    "", "0.3333333333333333\n0.25\n3\n1e-06\n", "", 0},
+        {"of rounded integers",       "bigq fraction --double 2920221497670770862/729505659519834128", "", "4.003014177563586\n", "", 0}, // ...5872 is nearer
     });
     // clang-format on
 }

@@ -182,6 +182,37 @@ TEST_P(PdbStoreFaults, AFailedSaveIsReportedAndTheOldContentStays) {
     }
 }
 
+TEST_P(PdbStoreFaults, AStoreIsMadeWholeOrNotAtAll) {
+    FAILING_CALL const& failing = GetParam();
+    TEMPORARY_FOLDER const folder;
+    std::string const path = folder.path("values.store");
+    FAULTY_FILES files;
+    int failures = 0;
+    for (int number = 1;; ++number) {
+        SCOPED_TRACE("call " + std::to_string(number));
+        std::filesystem::remove(path);
+        files.fail(failing.call, number, failing.fault, failing.is_last);
+        bool has_reported = false;
+        try {
+            PDB_STORE store(path, on_faulty_files());
+        } catch (PDB_STORE_ERROR const& error) {
+            has_reported = true;
+            EXPECT_EQ(error.kind(), PDB_STORE_ERROR::SYSTEM) << error.what();
+        }
+        bool const has_failed = files.repair();
+        for (auto const& entry : std::filesystem::directory_iterator(folder.path()))
+            EXPECT_EQ(entry.path(), path) << "is left behind";
+        EXPECT_TRUE(has_reported || std::filesystem::exists(path));
+        EXPECT_EQ(checked_dump_of(path), "big-store dump 1\nend 0 33fd75a745e4cb46\n");
+        failures += has_reported ? 1 : 0;
+        if (!has_failed || HasFailure()) {
+            EXPECT_FALSE(has_reported && !has_failed);
+            break;
+        }
+    }
+    EXPECT_TRUE(failures > 0 || failing.call == FILE_CALL::TRUNCATE); // there is none
+}
+
 INSTANTIATE_TEST_SUITE_P(
     EveryCall, PdbStoreFaults,
     testing::Values(

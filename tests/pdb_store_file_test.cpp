@@ -679,6 +679,24 @@ TEST_F(PdbStoreFile, AStoreCutAtAPageIsDamaged) {
     }
 }
 
+TEST_F(PdbStoreFile, ASealedJournalWithoutRoomForItsHeaderIsDamaged) {
+    open().put("a", time_of(1));
+    for (char const sector : {'\0', '\x01', '\x23'}) {
+        SCOPED_TRACE(int{sector});
+        std::string journal("\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", 8);
+        journal.append(20, '\0');
+        journal[23] = sector; // the size of a sector, in the last of four bytes
+        std::uint64_t const seal = CHECKSUM().add(journal).add(CHECKSUM().value()).value();
+        for (int shift = 56; shift >= 0; shift -= 8)
+            journal += static_cast<char>(seal >> shift);
+        write_file(m_path + "-journal", journal);
+        EXPECT_TRUE(throws_store_error(
+            [&] { open(); }, PDB_STORE_ERROR::DAMAGED,
+            "a program ended while it was writing, and the journal, from which that "
+            "would be taken back, does not match its checksum"));
+    }
+}
+
 TEST_F(PdbStoreFile, CheckTellsEveryThingThatIsWrong) {
     {
         PDB_STORE store = open();

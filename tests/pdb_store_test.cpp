@@ -1128,6 +1128,24 @@ TEST_P(PdbStore, AMalformedDumpLoadsNothing) {
     EXPECT_EQ(dump_of(store), before);
 }
 
+TEST_P(PdbStore, ADumpThatDescribesAClassTwiceIsComparedEachTime) {
+    PDB_STORE store = open();
+    std::string const first = "big-store dump 1\n";
+    std::string const one = "class 0x7e570012 8 \"ONE\" \"x\" int64\n";
+    std::string const other = "class 0x7e570012 8 \"ONE\" \"y\" int64\n";
+    load_text(store, first + one + "value \"a\" 1\nend 1\n");
+    std::string const before = dump_of(store);
+    for (std::string const& text : {other, one + other, one + one + other}) {
+        SCOPED_TRACE(text);
+        EXPECT_STORE_ERROR(load_text(store, first + text + "value \"b\" 2\nend 1\n"), OTHER_MEMBERS,
+                           "it holds class ONE (0x7e570012) with other members: member 1 is \"x\" "
+                           "there and \"y\" here");
+        EXPECT_EQ(dump_of(store), before);
+    }
+    EXPECT_EQ(load_text(store, first + one + "value \"b\" 2\n" + one + "value \"c\" 3\nend 2\n"),
+              2u);
+}
+
 TEST_P(PdbStore, ADumpThatIsCutOrChangedAnywhereIsRefused) {
     PDB_STORE store = open();
     BIG_TIME const times[3];

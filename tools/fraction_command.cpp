@@ -196,7 +196,9 @@ EXIT_STATUS run_fraction(std::vector<std::string> const& arguments) {
     CLI::App app;
     describe_command(app, "fraction", "[EXPRESSION]...", DESCRIPTION,
                      FILTER_HELP + ('\n' + std::string(EXAMPLES)));
-    app.add_flag("--double", prints_double, "Print the double nearest the fraction");
+    app.add_flag(
+        "--double", prints_double,
+        "Print a double: the numerator divided by the denominator, each rounded to a double");
     add_filter_options(app, filter_options);
     std::vector<std::string> const texts = read_command_line(app, arguments);
     FRACTION_CONVERSION conversion(prints_double);

@@ -176,7 +176,8 @@ char const* const DESCRIPTION =
     "\n"
     "A TEXT is a decimal number and a unit: 8ns, \"125 MHz\". Without a TEXT the lines of standard "
     "input are converted. A period, in whole picoseconds, gives the nearest frequency that a "
-    "double holds; a frequency, in whole hertz, gives a period that is cut to whole picoseconds.";
+    "double holds, up to two and a half hours; a frequency, in whole hertz, gives a period that is "
+    "cut to whole picoseconds.";
 
 char const* const EXAMPLES = "A result that is not exact is reported; --strict refuses it.\n"
                              "\n"

@@ -4,17 +4,21 @@
 #include "line_reader.h"
 #include "output.h"
 #include "text.h"
+#include "time_text.h"
 #include "units.h"
 
 #include "big_fraction_sys.h"
 #include "big_sys.h"
-#include "err_sys.h"
 #include "pdb_store_sys.h"
 
 #include <charconv>
 #include <chrono>
-#include <climits>
+#include <cmath>
+#include <cstdint>
 #include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 #include <unistd.h>
 
@@ -31,58 +35,37 @@ struct STORE_OPTIONS {
 
 /// What a verb works on.
 struct STORE_RUN {
-    PDB_STORE& store;
+    std::string const& address;
     STORE_OPTIONS const& options;
     std::vector<std::string> const& texts; ///< behind the verb
     OUTPUT& output;
+
+    /// Opens the store, and makes it where the verb does that.
+    PDB_STORE open() const { return PDB_STORE(address, options.open); }
 };
 
 // ------------------------------------------------------------------------------------------------
 // Texts of values
 // ------------------------------------------------------------------------------------------------
 
-/// A text is refused, or loses digits; what() says how.
+/// A text is refused; what() says how.
 class TEXT_ERROR : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads texts of times as `bigq time` does.
-class TIME_READER {
-public:
-    TIME_READER()
-        : m_previous(err_set_message_sink(
-            [this](MSG_ENUMERATED_POST_MSG id, char const*, char const* stored) {
-                if (id == MSG_BIG_TIME_TRUNCATED) {
-                    m_stored = stored;
-                }
-            })) {}
-    ~TIME_READER() { err_set_message_sink(m_previous); }
-    TIME_READER(TIME_READER const&) = delete;
-    TIME_READER& operator=(TIME_READER const&) = delete;
-
-    /// @param loss receives what is stored of a text that loses digits, else ""
-    BIG_TIME read(std::string const& text, std::optional<BIG_TIME::TIME_UNIT> unit,
-                  std::string& loss) {
-        m_stored.clear();
-        std::string number;
-        std::string unit_text;
-        BIG_TIME::separate_time_num_and_unit(text, number, unit_text);
-        BIG_TIME time;
-        bool const is_read = unit && unit_text.empty() ? time.set_time(number, *unit, true)
-                                                       : time.set_time(text, true);
-        if (!is_read || text.find('\0') != std::string::npos) {
-            throw TEXT_ERROR(in_quotes(text) + " is not a time: expected a number and one of "
-                             + unit_names() + ", within 64 bits");
-        }
-        loss = m_stored;
-        return time;
-    }
-
-private:
-    ERR_MESSAGE_SINK const m_previous;
-    std::string m_stored;
+/// A text on the command line, or a line of standard input.
+struct GIVEN_TEXT {
+    std::string text;
+    unsigned long long line; ///< its number; 0 on the command line
 };
+
+using GIVEN_TEXTS = std::vector<GIVEN_TEXT>;
+
+/// What stands in front of a message about a text.
+std::string place_of(GIVEN_TEXT const& given) {
+    return given.line == 0 ? "" : INPUT_NAME + (':' + std::to_string(given.line)) + ": ";
+}
 
 template <typename NUMBER>
 bool read_number(std::string_view text, NUMBER& number) {
@@ -90,20 +73,22 @@ bool read_number(std::string_view text, NUMBER& number) {
     return result.ec == std::errc() && result.ptr == text.data() + text.size();
 }
 
-BIG_FRACTION fraction_of(std::string const& text) {
+OUTCOME read_fraction(std::string const& text, BIG_FRACTION& fraction, std::string& problem) {
     std::size_t const bar = text.find('/');
     long long numerator = 0;
     long long denominator = 0;
     double value = 0;
     if (bar != std::string::npos && read_number(std::string_view(text).substr(0, bar), numerator)
         && read_number(std::string_view(text).substr(bar + 1), denominator) && denominator != 0) {
-        return BIG_FRACTION(numerator, denominator);
+        fraction = BIG_FRACTION(numerator, denominator);
+        return OUTCOME::CONVERTED;
     }
-    if (bar == std::string::npos && read_number(text, value)) {
-        return BIG_FRACTION(value);
+    if (bar == std::string::npos && read_number(text, value) && std::isfinite(value)) {
+        fraction = BIG_FRACTION(value);
+        return OUTCOME::CONVERTED;
     }
-    throw TEXT_ERROR(in_quotes(text)
-                     + " is not a fraction: expected two integers as in 3/2, or a decimal number");
+    problem = "is not a fraction: expected two integers as in 3/2, or a decimal number";
+    return OUTCOME::REFUSED;
 }
 
 std::string text_of(double value) {
@@ -138,46 +123,60 @@ std::string text_of(BIG_FRACTION const& fraction) {
 // The classes that bigq can read and show
 // ------------------------------------------------------------------------------------------------
 
-using TEXTS = std::vector<std::string>;
-
-/// Reads texts with a function and saves what they say.
+/// Reads texts with a function, and then saves what they say. Reports each that loses digits.
+///
+/// Throws TEXT_ERROR for one that is refused. The store is not opened then.
 template <typename T, typename READ>
-void put_as(STORE_RUN const& run, std::string const& name, TEXTS const& texts, READ const& read) {
-    std::vector<T> values;
-    for (std::string const& text : texts) {
-        values.push_back(read(text));
+void put_as(STORE_RUN const& run, GIVEN_TEXTS const& texts, READ const& read) {
+    std::vector<T> values(texts.size());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        std::string const& text = texts[i].text;
+        std::string problem = "holds a NUL byte: expected text";
+        OUTCOME const outcome = text.find('\0') != std::string::npos
+                                    ? OUTCOME::REFUSED
+                                    : read(text, values[i], problem);
+        if (outcome == OUTCOME::CONVERTED) {
+            continue;
+        }
+        std::string const message = place_of(texts[i]) + in_quotes(text) + ' ' + problem;
+        if (outcome == OUTCOME::REFUSED || run.options.strict) {
+            throw TEXT_ERROR(message);
+        }
+        run.output.report(message);
     }
+    std::string const& name = run.texts.front();
+    PDB_STORE store = run.open();
     if (run.options.is_array) {
-        run.store.put_array(name, values.data(), values.size());
+        store.put_array(name, values.data(), values.size());
     } else {
-        run.store.put(name, values.front());
+        store.put(name, values.front());
     }
 }
 
 /// Writes what a name holds, a line for each element.
 template <typename T>
-void print_as(STORE_RUN const& run, PDB_STORE_ENTRY const& entry) {
-    auto const print = [&](T const& value) { run.output.add(text_of(value) + '\n'); };
+void print_as(PDB_STORE& store, PDB_STORE_ENTRY const& entry, OUTPUT& output) {
+    auto const print = [&](T const& value) { output.add(text_of(value) + '\n'); };
     if (entry.is_array) {
-        run.store.for_each_element<T>(
-            entry.name, [&](unsigned long long, T const& element) { print(element); });
+        store.for_each_element<T>(entry.name,
+                                  [&](unsigned long long, T const& element) { print(element); });
         return;
     }
     T value;
-    if (run.store.get(entry.name, value)) {
+    if (store.get(entry.name, value)) {
         print(value);
     }
 }
 
-void put_times(STORE_RUN const& run, std::string const& name, TEXTS const& texts);
-void put_frequencies(STORE_RUN const& run, std::string const& name, TEXTS const& texts);
-void put_fractions(STORE_RUN const& run, std::string const& name, TEXTS const& texts);
+void put_times(STORE_RUN const& run, GIVEN_TEXTS const& texts);
+void put_frequencies(STORE_RUN const& run, GIVEN_TEXTS const& texts);
+void put_fractions(STORE_RUN const& run, GIVEN_TEXTS const& texts);
 
 struct CLASS_ROW {
     std::string_view name; ///< on the command line
     unsigned class_id;
-    void (*put)(STORE_RUN const& run, std::string const& name, TEXTS const& texts);
-    void (*print)(STORE_RUN const& run, PDB_STORE_ENTRY const& entry);
+    void (*put)(STORE_RUN const& run, GIVEN_TEXTS const& texts);
+    void (*print)(PDB_STORE& store, PDB_STORE_ENTRY const& entry, OUTPUT& output);
 };
 
 constexpr CLASS_ROW CLASSES[] = {
@@ -196,42 +195,34 @@ CLASS_ROW const& class_named(std::string const& name) {
                       + " is not a class: expected time, frequency or fraction");
 }
 
-/// Reads a time, and reports a text that loses digits.
-BIG_TIME read_time(STORE_RUN const& run, TIME_READER& reader, std::string const& text) {
-    std::string loss;
-    BIG_TIME const time = reader.read(text, run.options.unit, loss);
-    if (!loss.empty()) {
-        std::string const problem =
-            in_quotes(text) + " loses digits: it is stored as " + in_quotes(loss);
-        if (run.options.strict) {
-            throw TEXT_ERROR(problem);
+void put_times(STORE_RUN const& run, GIVEN_TEXTS const& texts) {
+    TIME_READER reader(run.options.unit);
+    put_as<BIG_TIME>(run, texts,
+                     [&](std::string const& text, BIG_TIME& time, std::string& problem) {
+                         return reader.read(text, time, problem);
+                     });
+}
+
+void put_frequencies(STORE_RUN const& run, GIVEN_TEXTS const& texts) {
+    TIME_READER reader(run.options.unit);
+    auto const read = [&](std::string const& text, BIG_FREQUENCY& frequency, std::string& problem) {
+        BIG_TIME time;
+        OUTCOME const outcome = reader.read(text, time, problem);
+        if (outcome == OUTCOME::REFUSED) {
+            return outcome;
         }
-        run.output.report(problem);
-    }
-    return time;
-}
-
-void put_times(STORE_RUN const& run, std::string const& name, TEXTS const& texts) {
-    TIME_READER reader;
-    put_as<BIG_TIME>(run, name, texts,
-                     [&](std::string const& text) { return read_time(run, reader, text); });
-}
-
-void put_frequencies(STORE_RUN const& run, std::string const& name, TEXTS const& texts) {
-    TIME_READER reader;
-    put_as<BIG_FREQUENCY>(run, name, texts, [&](std::string const& text) {
-        BIG_TIME time = read_time(run, reader, text);
-        if (BIG_TIME::get_unit_category(time.get_time_unit()) != BIG_TIME::FREQUENCY_CATEGORY) {
-            throw TEXT_ERROR(in_quotes(text)
-                             + " is not a frequency: expected a number and one of "
-                               "Hz, kHz, MHz, GHz");
+        if (category_of(time) != BIG_TIME::FREQUENCY_CATEGORY) {
+            problem = "is not a frequency: expected a number and one of Hz, kHz, MHz, GHz";
+            return OUTCOME::REFUSED;
         }
-        return BIG_FREQUENCY(time);
-    });
+        frequency = BIG_FREQUENCY(time);
+        return outcome;
+    };
+    put_as<BIG_FREQUENCY>(run, texts, read);
 }
 
-void put_fractions(STORE_RUN const& run, std::string const& name, TEXTS const& texts) {
-    put_as<BIG_FRACTION>(run, name, texts, fraction_of);
+void put_fractions(STORE_RUN const& run, GIVEN_TEXTS const& texts) {
+    put_as<BIG_FRACTION>(run, texts, read_fraction);
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -277,17 +268,20 @@ private:
 };
 
 /// The lines of standard input.
-TEXTS lines_of_input(OUTPUT& output) {
-    TEXTS lines;
+GIVEN_TEXTS lines_of_input(OUTPUT& output) {
+    GIVEN_TEXTS lines;
     LINE_READER reader(output);
     for (LINE line; reader.next(line);) {
-        lines.emplace_back(line.text);
+        lines.push_back({std::string(line.text), line.number});
     }
     return lines;
 }
 
 EXIT_STATUS run_put(STORE_RUN const& run) {
-    TEXTS texts(run.texts.begin() + 1, run.texts.end());
+    GIVEN_TEXTS texts;
+    for (std::size_t i = 1; i < run.texts.size(); ++i) {
+        texts.push_back({run.texts[i], 0});
+    }
     if (texts.empty()) {
         texts = lines_of_input(run.output);
     }
@@ -295,7 +289,7 @@ EXIT_STATUS run_put(STORE_RUN const& run) {
         throw USAGE_ERROR("put: expected one value, or --array");
     }
     try {
-        class_named(run.options.class_name.value_or("time")).put(run, run.texts.front(), texts);
+        class_named(run.options.class_name.value_or("time")).put(run, texts);
     } catch (TEXT_ERROR const& error) {
         run.output.report(error.what());
         return STATUS_FAILED;
@@ -305,9 +299,10 @@ EXIT_STATUS run_put(STORE_RUN const& run) {
 
 EXIT_STATUS run_get(STORE_RUN const& run) {
     EXIT_STATUS status = STATUS_OK;
+    PDB_STORE store = run.open();
     for (std::string const& name : run.texts) {
         PDB_STORE_ENTRY entry;
-        if (!run.store.find(name, entry)) {
+        if (!store.find(name, entry)) {
             run.output.report(in_quotes(name) + " holds nothing");
             status = STATUS_FAILED;
             continue;
@@ -322,7 +317,7 @@ EXIT_STATUS run_get(STORE_RUN const& run) {
             status = STATUS_FAILED;
             continue;
         }
-        found->print(run, entry);
+        found->print(store, entry, run.output);
     }
     run.output.flush();
     return status;
@@ -359,7 +354,8 @@ EXIT_STATUS run_list(STORE_RUN const& run) {
     if (run.options.class_name) {
         selection.class_id = class_named(*run.options.class_name).class_id;
     }
-    run.store.list(selection, [&](PDB_STORE_ENTRY const& entry) {
+    PDB_STORE store = run.open();
+    store.list(selection, [&](PDB_STORE_ENTRY const& entry) {
         std::string line = listed_name(entry.name) + '\t' + entry.class_name;
         if (entry.is_array) {
             line += '[' + std::to_string(entry.count) + ']';
@@ -372,8 +368,9 @@ EXIT_STATUS run_list(STORE_RUN const& run) {
 
 EXIT_STATUS run_erase(STORE_RUN const& run) {
     EXIT_STATUS status = STATUS_OK;
+    PDB_STORE store = run.open();
     for (std::string const& name : run.texts) {
-        if (!run.store.erase(name)) {
+        if (!store.erase(name)) {
             run.output.report(in_quotes(name) + " holds nothing");
             status = STATUS_FAILED;
         }
@@ -382,12 +379,13 @@ EXIT_STATUS run_erase(STORE_RUN const& run) {
 }
 
 EXIT_STATUS run_check(STORE_RUN const& run) {
+    PDB_STORE store = run.open();
     bool is_good = true;
     std::string problems;
     {
         PROGRESS progress("records checked", false); // which is gone when the answer is written
-        is_good = run.store.check([&](std::string const& problem) { problems += problem + '\n'; },
-                                  [&](unsigned long long count) { progress.tell(count); });
+        is_good = store.check([&](std::string const& problem) { problems += problem + '\n'; },
+                              [&](unsigned long long count) { progress.tell(count); });
     }
     run.output.add(is_good ? "ok\n" : problems);
     run.output.flush();
@@ -395,9 +393,10 @@ EXIT_STATUS run_check(STORE_RUN const& run) {
 }
 
 EXIT_STATUS run_dump(STORE_RUN const& run) {
+    PDB_STORE store = run.open();
     PROGRESS progress("lines written", true);
     unsigned long long lines = 0;
-    run.store.dump([&](std::string_view line) {
+    store.dump([&](std::string_view line) {
         run.output.add(line);
         progress.tell(++lines);
     });
@@ -406,10 +405,11 @@ EXIT_STATUS run_dump(STORE_RUN const& run) {
 }
 
 EXIT_STATUS run_load(STORE_RUN const& run) {
+    PDB_STORE store = run.open();
     PROGRESS progress("lines read", false);
     LINE_READER reader(run.output);
     LINE line;
-    run.store.load([&](std::string& text) {
+    store.load([&](std::string& text) {
         if (!reader.next(line)) {
             return false;
         }
@@ -521,7 +521,7 @@ EXIT_STATUS run_store(std::vector<std::string> const& arguments) {
     CLI::App app;
     describe_command(app, "store", "STORE VERB [TEXT]...", DESCRIPTION, EXAMPLES);
     add_store_options(app, options);
-    TEXTS texts = read_command_line(app, arguments);
+    std::vector<std::string> texts = read_command_line(app, arguments);
     if (texts.size() < 2) {
         throw USAGE_ERROR("expected a store and one of put, get, list, erase, check, dump, load");
     }
@@ -531,7 +531,6 @@ EXIT_STATUS run_store(std::vector<std::string> const& arguments) {
     require_texts(verb, texts.size());
     options.open.access = verb.access;
 
-    PDB_STORE store(address, options.open);
     OUTPUT output;
-    return verb.run({store, options, texts, output});
+    return verb.run({address, options, texts, output});
 }

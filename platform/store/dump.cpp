@@ -270,7 +270,7 @@ private:
         m_state.compare_with_program({stored});
         m_class_id = stored.id;
         m_has_class = true;
-        m_state.need_class(stored);
+        m_state.need_class(stored, nullptr);
     }
 
     STORE_CLASS& current_class() {

@@ -12,6 +12,7 @@ namespace {
 constexpr std::string_view MAGIC("\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", 8);
 constexpr std::size_t HEADER_SIZE = 28;
 constexpr std::size_t SEAL_SIZE = 8;
+constexpr sqlite3_int64 SEALED_HEADER_SIZE = HEADER_SIZE + SEAL_SIZE;
 
 // Numbers in a header, of four bytes each, the highest byte first.
 constexpr std::size_t RECORD_COUNT = 8;
@@ -110,8 +111,8 @@ int check_journal(sqlite3_file* journal, bool& intact) {
         sqlite3_int64 const first = begin + sector;
         sqlite3_int64 const record_size = page + AROUND_A_PAGE;
         CHECKSUM records;
-        bool is_whole =
-            first <= size && count <= (size - first) / record_size && page <= LARGEST_PAGE;
+        bool is_whole = first >= begin + SEALED_HEADER_SIZE && first <= size
+                        && count <= (size - first) / record_size && page <= LARGEST_PAGE;
         for (sqlite3_int64 i = 0; is_whole && i < count; ++i) {
             result = read(journal, record, static_cast<std::size_t>(record_size),
                           first + i * record_size);

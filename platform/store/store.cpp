@@ -274,21 +274,21 @@ void PDB_STORE_STATE::read_directory() {
     }
 }
 
-STORE_CLASS* PDB_STORE_STATE::find_class(STORED_CLASS const& wanted) {
+STORE_CLASS* PDB_STORE_STATE::find_class(STORED_CLASS const& wanted, PDB_THUNK_INFO const* record) {
     STORE_CLASS* known = known_class(wanted.id);
     if (known == nullptr) {
         read_directory();
         known = known_class(wanted.id);
     }
-    if (known != nullptr && known->same != &wanted) {
+    if (known != nullptr && (record == nullptr || known->same != record)) {
         require_same(known->stored, wanted);
-        known->same = &wanted;
+        known->same = record;
     }
     return known;
 }
 
-STORE_CLASS& PDB_STORE_STATE::need_class(STORED_CLASS const& wanted) {
-    if (STORE_CLASS* const known = find_class(wanted))
+STORE_CLASS& PDB_STORE_STATE::need_class(STORED_CLASS const& wanted, PDB_THUNK_INFO const* record) {
+    if (STORE_CLASS* const known = find_class(wanted, record))
         return *known;
     m_engine->add_class(wanted);
     read_directory();
@@ -485,7 +485,7 @@ void PDB_STORE::put_object(std::string_view name, std::type_info const& type, vo
     state.run(PDB_STORE_STATE::WRITES, [&] {
         state.require_name(name);
         PROGRAM_CLASS const& own = state.program_class(type);
-        STORE_CLASS& into = state.need_class(own.stored);
+        STORE_CLASS& into = state.need_class(own.stored, own.record);
         require_whole(save_object(*own.record, own.stored, object, into.cells.data()), state,
                       own.stored);
         state.put_value(into, name, into.cells.data());
@@ -498,7 +498,7 @@ bool PDB_STORE::get_object(std::string_view name, std::type_info const& type, vo
     state.run(PDB_STORE_STATE::READS, [&] {
         state.require_name(name);
         PROGRAM_CLASS const& own = state.program_class(type);
-        STORE_CLASS* const from = state.find_class(own.stored);
+        STORE_CLASS* const from = state.find_class(own.stored, own.record);
         found = from != nullptr && state.get_value(*from, name, from->cells.data());
         if (found)
             require_whole(load_object(*own.record, own.stored, from->cells.data(), object), state,
@@ -514,7 +514,7 @@ void PDB_STORE::put_objects(std::type_info const& type, void const* object,
     PDB_STORE_STATE& state = *m_state;
     state.run(PDB_STORE_STATE::WRITES_PARTS, [&] {
         PROGRAM_CLASS const& own = state.program_class(type);
-        STORE_CLASS& into = state.need_class(own.stored);
+        STORE_CLASS& into = state.need_class(own.stored, own.record);
         VALUE_BATCH batch;
         std::string name;
         while (next(name)) {
@@ -544,7 +544,7 @@ void PDB_STORE::visit_objects(std::string_view prefix, std::type_info const& typ
         state.run(PDB_STORE_STATE::READS, [&] {
             own = state.program_class(type);
             batch.clear();
-            if (STORE_CLASS* const from = state.find_class(own.stored)) {
+            if (STORE_CLASS* const from = state.find_class(own.stored, own.record)) {
                 from->table->read_values(range, BATCH_SIZE, batch);
                 for (std::size_t row = 0; row < batch.size(); ++row)
                     state.verify(*from, batch, row);
@@ -571,7 +571,7 @@ void PDB_STORE::put_elements(std::string_view name, std::type_info const& type,
     state.run(PDB_STORE_STATE::WRITES, [&] {
         state.require_name(name);
         PROGRAM_CLASS const& own = state.program_class(type);
-        STORE_CLASS& into = state.need_class(own.stored);
+        STORE_CLASS& into = state.need_class(own.stored, own.record);
         ARRAY_HEAD const head = state.begin_array(into, name, count);
         std::string elements;
         std::uint64_t first = 0;
@@ -617,7 +617,7 @@ bool PDB_STORE::get_elements(std::string_view name, std::type_info const& type,
     state.run(PDB_STORE_STATE::READS, [&] {
         state.require_name(name);
         PROGRAM_CLASS const& own = state.program_class(type);
-        STORE_CLASS* const from = state.find_class(own.stored);
+        STORE_CLASS* const from = state.find_class(own.stored, own.record);
         ARRAY_HEAD head;
         found = from != nullptr && state.get_array(*from, name, head);
         if (!found) {
@@ -676,7 +676,7 @@ bool PDB_STORE::visit_elements(std::string_view name, std::type_info const& type
         state.run(PDB_STORE_STATE::READS, [&] {
             state.require_name(name);
             own = state.program_class(type);
-            STORE_CLASS* const from = state.find_class(own.stored);
+            STORE_CLASS* const from = state.find_class(own.stored, own.record);
             found = from != nullptr && state.get_array(*from, name, now);
             if (!found)
                 state.refuse_other(name, own.stored.name, true);

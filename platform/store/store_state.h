@@ -24,8 +24,8 @@ struct STORE_CLASS {
     STORED_CLASS stored;
     std::unique_ptr<CLASS_TABLE> table;
     std::vector<CELL> cells; ///< of the object at hand
-    /// A description that was found to be the same as `stored`.
-    STORED_CLASS const* same = nullptr;
+    /// The record of the program whose class was found to be the same as `stored`.
+    PDB_THUNK_INFO const* same = nullptr;
 };
 
 /// The names with a prefix, read in pieces.
@@ -116,9 +116,12 @@ public:
     PROGRAM_CLASS const& program_class(std::type_info const& type);
     /// A class that the store holds; null when it holds none with this id. Throws OTHER_MEMBERS
     /// when it has other members than `wanted`. The address holds until the transaction ends.
-    STORE_CLASS* find_class(STORED_CLASS const& wanted);
+    ///
+    /// @param record of the program's class that `wanted` describes, which is then not compared
+    ///               again each time; null for what a dump says
+    STORE_CLASS* find_class(STORED_CLASS const& wanted, PDB_THUNK_INFO const* record);
     /// The same, and adds it when the store holds none.
-    STORE_CLASS& need_class(STORED_CLASS const& wanted);
+    STORE_CLASS& need_class(STORED_CLASS const& wanted, PDB_THUNK_INFO const* record);
     /// A class that is known to be in the store.
     STORE_CLASS& class_with(std::uint32_t id);
     /// The ids of all classes, in the order in which they came into the store.
