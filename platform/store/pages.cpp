@@ -3,6 +3,7 @@
 #include "pages.h"
 
 #include "journal.h"
+#include "passing_vfs.h"
 #include "record.h"
 
 #include <atomic>
@@ -12,8 +13,7 @@
 #include <string_view>
 #include <vector>
 
-struct CHECKED_PAGES_VFS : sqlite3_vfs {
-    sqlite3_vfs* base = nullptr;
+struct CHECKED_PAGES_VFS : PASSING_VFS {
     std::string name; ///< under which SQLite finds this VFS while it opens a database
     unsigned bad_page = 0;
     bool has_bad_journal = false;
@@ -21,21 +21,15 @@ struct CHECKED_PAGES_VFS : sqlite3_vfs {
 
 namespace {
 
-/// A main database file or its journal. The base's own file object stands behind it in memory.
-struct PAGED_FILE : sqlite3_file {
+/// A main database file or its journal.
+struct PAGED_FILE : PASSING_FILE {
     unsigned* bad_page;
     std::vector<char>* buffer; ///< of the page that is being written; null in a journal
     JOURNAL_SEAL* seal;        ///< null in a database
 };
 
-constexpr std::size_t FILE_SIZE = (sizeof(PAGED_FILE) + 15) / 16 * 16;
-
 PAGED_FILE& paged(sqlite3_file* file) {
     return *static_cast<PAGED_FILE*>(file);
-}
-
-sqlite3_file* base_of(sqlite3_file* file) {
-    return reinterpret_cast<sqlite3_file*>(reinterpret_cast<char*>(file) + FILE_SIZE);
 }
 
 /// Whether bytes of a file are a page: SQLite reads and writes pages whole, and else only small
@@ -64,17 +58,16 @@ std::uint64_t page_checksum(char const* page, int amount, sqlite3_int64 offset) 
 int close_file(sqlite3_file* file) {
     delete paged(file).buffer;
     delete paged(file).seal;
-    return base_of(file)->pMethods->xClose(base_of(file));
+    return pass_on<&sqlite3_io_methods::xClose>(file);
 }
 
 int read_file(sqlite3_file* file, void* bytes, int amount, sqlite3_int64 offset) {
-    sqlite3_file* const base = base_of(file);
-    int const result = base->pMethods->xRead(base, bytes, amount, offset);
+    int const result = pass_on<&sqlite3_io_methods::xRead>(file, bytes, amount, offset);
     if (!is_page(amount, offset))
         return result;
     if (result == SQLITE_IOERR_SHORT_READ) { // behind the end, or the file was cut in the page
         sqlite3_int64 size = 0;
-        int const asked = base->pMethods->xFileSize(base, &size);
+        int const asked = pass_on<&sqlite3_io_methods::xFileSize>(file, &size);
         if (asked != SQLITE_OK || size <= offset)
             return asked != SQLITE_OK ? asked : result;
     } else if (result != SQLITE_OK) {
@@ -90,9 +83,8 @@ int read_file(sqlite3_file* file, void* bytes, int amount, sqlite3_int64 offset)
 }
 
 int write_file(sqlite3_file* file, void const* bytes, int amount, sqlite3_int64 offset) {
-    sqlite3_file* const base = base_of(file);
     if (!is_page(amount, offset))
-        return base->pMethods->xWrite(base, bytes, amount, offset);
+        return pass_on<&sqlite3_io_methods::xWrite>(file, bytes, amount, offset);
     auto const size = static_cast<std::size_t>(amount);
     std::vector<char>& page = *paged(file).buffer;
     try {
@@ -103,11 +95,7 @@ int write_file(sqlite3_file* file, void const* bytes, int amount, sqlite3_int64 
     std::memcpy(page.data(), bytes, size);
     std::uint64_t const checksum = page_checksum(page.data(), amount, offset);
     std::memcpy(page.data() + size - sizeof checksum, &checksum, sizeof checksum);
-    return base->pMethods->xWrite(base, page.data(), amount, offset);
-}
-
-int read_journal(sqlite3_file* file, void* bytes, int amount, sqlite3_int64 offset) {
-    return base_of(file)->pMethods->xRead(base_of(file), bytes, amount, offset);
+    return pass_on<&sqlite3_io_methods::xWrite>(file, page.data(), amount, offset);
 }
 
 int write_journal(sqlite3_file* file, void const* bytes, int amount, sqlite3_int64 offset) {
@@ -118,68 +106,23 @@ int write_journal(sqlite3_file* file, void const* bytes, int amount, sqlite3_int
     }
 }
 
-int truncate_file(sqlite3_file* file, sqlite3_int64 size) {
-    return base_of(file)->pMethods->xTruncate(base_of(file), size);
+constexpr sqlite3_io_methods database_methods() {
+    sqlite3_io_methods methods = passing_methods();
+    methods.xClose = close_file;
+    methods.xRead = read_file;
+    methods.xWrite = write_file;
+    return methods;
 }
 
-int sync_file(sqlite3_file* file, int flags) {
-    return base_of(file)->pMethods->xSync(base_of(file), flags);
+constexpr sqlite3_io_methods journal_methods() {
+    sqlite3_io_methods methods = passing_methods();
+    methods.xClose = close_file;
+    methods.xWrite = write_journal;
+    return methods;
 }
 
-int file_size(sqlite3_file* file, sqlite3_int64* size) {
-    return base_of(file)->pMethods->xFileSize(base_of(file), size);
-}
-
-int lock_file(sqlite3_file* file, int level) {
-    return base_of(file)->pMethods->xLock(base_of(file), level);
-}
-
-int unlock_file(sqlite3_file* file, int level) {
-    return base_of(file)->pMethods->xUnlock(base_of(file), level);
-}
-
-int check_reserved_lock(sqlite3_file* file, int* is_reserved) {
-    return base_of(file)->pMethods->xCheckReservedLock(base_of(file), is_reserved);
-}
-
-int control_file(sqlite3_file* file, int operation, void* argument) {
-    return base_of(file)->pMethods->xFileControl(base_of(file), operation, argument);
-}
-
-int sector_size(sqlite3_file* file) {
-    return base_of(file)->pMethods->xSectorSize(base_of(file));
-}
-
-int device_characteristics(sqlite3_file* file) {
-    return base_of(file)->pMethods->xDeviceCharacteristics(base_of(file));
-}
-
-/// Version 1: no shared memory and no memory mapping, whose pages would pass by unchecked.
-constexpr sqlite3_io_methods methods(decltype(sqlite3_io_methods::xRead) read,
-                                     decltype(sqlite3_io_methods::xWrite) write) {
-    return {1,
-            close_file,
-            read,
-            write,
-            truncate_file,
-            sync_file,
-            file_size,
-            lock_file,
-            unlock_file,
-            check_reserved_lock,
-            control_file,
-            sector_size,
-            device_characteristics,
-            nullptr,
-            nullptr,
-            nullptr,
-            nullptr,
-            nullptr,
-            nullptr};
-}
-
-constexpr sqlite3_io_methods DATABASE_METHODS = methods(read_file, write_file);
-constexpr sqlite3_io_methods JOURNAL_METHODS = methods(read_journal, write_journal);
+constexpr sqlite3_io_methods DATABASE_METHODS = database_methods();
+constexpr sqlite3_io_methods JOURNAL_METHODS = journal_methods();
 
 // --- The VFS ---
 
@@ -187,23 +130,16 @@ CHECKED_PAGES_VFS& checked(sqlite3_vfs* vfs) {
     return *static_cast<CHECKED_PAGES_VFS*>(vfs);
 }
 
-sqlite3_vfs* base_of(sqlite3_vfs* vfs) {
-    return checked(vfs).base;
-}
-
 int open_file(sqlite3_vfs* vfs, char const* name, sqlite3_file* file, int flags, int* out_flags) {
-    sqlite3_vfs* const base = base_of(vfs);
     bool const is_journal = (flags & SQLITE_OPEN_MAIN_JOURNAL) != 0;
     if (!is_journal && (flags & SQLITE_OPEN_MAIN_DB) == 0)
-        return base->xOpen(base, name, file, flags, out_flags);
-    file->pMethods = nullptr;
-    base_of(file)->pMethods = nullptr;
+        return pass_on<&sqlite3_vfs::xOpen>(vfs, name, file, flags, out_flags);
+    PAGED_FILE& opened = make_file<PAGED_FILE>(file);
     try {
         auto buffer = is_journal ? nullptr : std::make_unique<std::vector<char>>();
         auto seal = is_journal ? std::make_unique<JOURNAL_SEAL>() : nullptr;
-        int const result = base->xOpen(base, name, base_of(file), flags, out_flags);
-        if (base_of(file)->pMethods != nullptr) { // so that SQLite closes it, opened or not
-            PAGED_FILE& opened = paged(file);
+        int const result = pass_on<&sqlite3_vfs::xOpen>(vfs, name, opened.base, flags, out_flags);
+        if (opened.base->pMethods != nullptr) {
             opened.pMethods = is_journal ? &JOURNAL_METHODS : &DATABASE_METHODS;
             opened.bad_page = &checked(vfs).bad_page;
             opened.buffer = buffer.release();
@@ -212,7 +148,7 @@ int open_file(sqlite3_vfs* vfs, char const* name, sqlite3_file* file, int flags,
         if (result != SQLITE_OK || !is_journal)
             return result;
         bool intact = false;
-        int const read = check_journal(base_of(file), intact);
+        int const read = check_journal(opened.base, intact);
         checked(vfs).has_bad_journal = read == SQLITE_OK && !intact;
         return read != SQLITE_OK || intact ? read : SQLITE_IOERR_DATA;
     } catch (std::bad_alloc const&) {
@@ -220,54 +156,16 @@ int open_file(sqlite3_vfs* vfs, char const* name, sqlite3_file* file, int flags,
     }
 }
 
-int delete_file(sqlite3_vfs* vfs, char const* name, int sync_folder) {
-    return base_of(vfs)->xDelete(base_of(vfs), name, sync_folder);
-}
-
-int access_file(sqlite3_vfs* vfs, char const* name, int flags, int* answer) {
-    return base_of(vfs)->xAccess(base_of(vfs), name, flags, answer);
-}
-
-int full_path_name(sqlite3_vfs* vfs, char const* name, int size, char* path) {
-    return base_of(vfs)->xFullPathname(base_of(vfs), name, size, path);
-}
-
-int randomness(sqlite3_vfs* vfs, int count, char* bytes) {
-    return base_of(vfs)->xRandomness(base_of(vfs), count, bytes);
-}
-
-int sleep_microseconds(sqlite3_vfs* vfs, int microseconds) {
-    return base_of(vfs)->xSleep(base_of(vfs), microseconds);
-}
-
-int current_time(sqlite3_vfs* vfs, double* time) {
-    return base_of(vfs)->xCurrentTime(base_of(vfs), time);
-}
-
-int last_error(sqlite3_vfs* vfs, int size, char* text) {
-    return base_of(vfs)->xGetLastError(base_of(vfs), size, text);
-}
-
 } // namespace
 
 CHECKED_PAGES::CHECKED_PAGES(sqlite3_vfs* base) : m_vfs(new CHECKED_PAGES_VFS) {
     static std::atomic<unsigned long> s_count{0};
     CHECKED_PAGES_VFS& vfs = *m_vfs;
-    vfs.base = base;
     vfs.name = "big_store_" + std::to_string(reinterpret_cast<std::uintptr_t>(&s_count)) + '_'
                + std::to_string(++s_count);
-    vfs.iVersion = 1;
-    vfs.szOsFile = static_cast<int>(FILE_SIZE) + base->szOsFile;
-    vfs.mxPathname = base->mxPathname;
+    set_base<PAGED_FILE>(vfs, base);
     vfs.zName = vfs.name.c_str();
     vfs.xOpen = open_file;
-    vfs.xDelete = delete_file;
-    vfs.xAccess = access_file;
-    vfs.xFullPathname = full_path_name;
-    vfs.xRandomness = randomness;
-    vfs.xSleep = sleep_microseconds;
-    vfs.xCurrentTime = current_time;
-    vfs.xGetLastError = last_error;
 }
 
 CHECKED_PAGES::~CHECKED_PAGES() = default;

@@ -1,8 +1,8 @@
 #include "faulty_files.h"
 
+#include "passing_vfs.h"
+
 #include <algorithm>
-#include <cstddef>
-#include <new>
 #include <random>
 
 #include <sqlite3.h>
@@ -11,7 +11,7 @@
 // The VFS
 // ------------------------------------------------------------------------------------------------
 
-class FAULTY_FILES::STATE : public sqlite3_vfs {
+class FAULTY_FILES::STATE : public PASSING_VFS {
 public:
     /// Whether a call fails, and how.
     std::optional<FILE_FAULT> fault_of(FILE_CALL call) {
@@ -30,7 +30,6 @@ public:
             m_steps.push_back(std::move(step));
     }
 
-    sqlite3_vfs* m_base = nullptr;
     std::optional<FILE_CALL> m_call; ///< that is to fail
     int m_calls_left = 0;
     FILE_FAULT m_fault = FILE_FAULT::ERROR;
@@ -45,21 +44,13 @@ namespace {
 
 using STATE = FAULTY_FILES::STATE;
 
-/// A file. The base's own file object stands behind it in memory.
-struct FAULTY_FILE : sqlite3_file {
+struct FAULTY_FILE : PASSING_FILE {
     STATE* state;
     std::string* path;
 };
 
-constexpr std::size_t FILE_SIZE = (sizeof(FAULTY_FILE) + alignof(std::max_align_t) - 1)
-                                  / alignof(std::max_align_t) * alignof(std::max_align_t);
-
 FAULTY_FILE& faulty(sqlite3_file* file) {
     return *static_cast<FAULTY_FILE*>(file);
-}
-
-sqlite3_file* base_of(sqlite3_file* file) {
-    return reinterpret_cast<sqlite3_file*>(reinterpret_cast<char*>(file) + FILE_SIZE);
 }
 
 int error_of(FILE_CALL call, FILE_FAULT fault) {
@@ -90,17 +81,13 @@ int attempt(STATE& state, FILE_STEP step, WORK work) {
 
 int close_file(sqlite3_file* file) {
     delete faulty(file).path;
-    return base_of(file)->pMethods->xClose(base_of(file));
-}
-
-int read_file(sqlite3_file* file, void* bytes, int amount, sqlite3_int64 offset) {
-    return base_of(file)->pMethods->xRead(base_of(file), bytes, amount, offset);
+    return pass_on<&sqlite3_io_methods::xClose>(file);
 }
 
 int write_file(sqlite3_file* file, void const* bytes, int amount, sqlite3_int64 offset) {
     FAULTY_FILE& self = faulty(file);
     auto const write = [&](int size) {
-        return base_of(file)->pMethods->xWrite(base_of(file), bytes, size, offset);
+        return pass_on<&sqlite3_io_methods::xWrite>(file, bytes, size, offset);
     };
     if (self.state->m_call == FILE_CALL::WRITE && self.state->m_calls_left == 1
         && self.state->m_fault == FILE_FAULT::SHORT_WRITE)
@@ -119,7 +106,7 @@ int truncate_file(sqlite3_file* file, sqlite3_int64 size) {
     step.file = *faulty(file).path;
     step.size = size;
     return attempt(*faulty(file).state, std::move(step),
-                   [&] { return base_of(file)->pMethods->xTruncate(base_of(file), size); });
+                   [&] { return pass_on<&sqlite3_io_methods::xTruncate>(file, size); });
 }
 
 int sync_file(sqlite3_file* file, int flags) {
@@ -127,59 +114,19 @@ int sync_file(sqlite3_file* file, int flags) {
     step.call = FILE_CALL::SYNC;
     step.file = *faulty(file).path;
     return attempt(*faulty(file).state, std::move(step),
-                   [&] { return base_of(file)->pMethods->xSync(base_of(file), flags); });
+                   [&] { return pass_on<&sqlite3_io_methods::xSync>(file, flags); });
 }
 
-int file_size(sqlite3_file* file, sqlite3_int64* size) {
-    return base_of(file)->pMethods->xFileSize(base_of(file), size);
+constexpr sqlite3_io_methods faulty_methods() {
+    sqlite3_io_methods methods = passing_methods();
+    methods.xClose = close_file;
+    methods.xWrite = write_file;
+    methods.xTruncate = truncate_file;
+    methods.xSync = sync_file;
+    return methods;
 }
 
-int lock_file(sqlite3_file* file, int level) {
-    return base_of(file)->pMethods->xLock(base_of(file), level);
-}
-
-int unlock_file(sqlite3_file* file, int level) {
-    return base_of(file)->pMethods->xUnlock(base_of(file), level);
-}
-
-int check_reserved_lock(sqlite3_file* file, int* is_reserved) {
-    return base_of(file)->pMethods->xCheckReservedLock(base_of(file), is_reserved);
-}
-
-int control_file(sqlite3_file* file, int operation, void* argument) {
-    return base_of(file)->pMethods->xFileControl(base_of(file), operation, argument);
-}
-
-int sector_size(sqlite3_file* file) {
-    return base_of(file)->pMethods->xSectorSize(base_of(file));
-}
-
-int device_characteristics(sqlite3_file* file) {
-    return base_of(file)->pMethods->xDeviceCharacteristics(base_of(file));
-}
-
-/// Version 1: no shared memory and no memory mapping, which would pass by unseen.
-sqlite3_io_methods const FAULTY_FILE_METHODS = {
-    1,
-    close_file,
-    read_file,
-    write_file,
-    truncate_file,
-    sync_file,
-    file_size,
-    lock_file,
-    unlock_file,
-    check_reserved_lock,
-    control_file,
-    sector_size,
-    device_characteristics,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-};
+constexpr sqlite3_io_methods FAULTY_METHODS = faulty_methods();
 
 // --- The VFS ---
 
@@ -187,25 +134,20 @@ STATE& state_of(sqlite3_vfs* vfs) {
     return *static_cast<STATE*>(vfs);
 }
 
-sqlite3_vfs* base_of(sqlite3_vfs* vfs) {
-    return state_of(vfs).m_base;
-}
-
 int open_file(sqlite3_vfs* vfs, char const* name, sqlite3_file* file, int flags, int* out_flags) {
-    file->pMethods = nullptr;
-    base_of(file)->pMethods = nullptr;
+    FAULTY_FILE& opened = make_file<FAULTY_FILE>(file);
     FILE_STEP step;
     step.call = FILE_CALL::OPEN;
     step.file = name != nullptr ? name : "";
     auto path = std::make_unique<std::string>(step.file);
     auto const open = [&] {
-        return base_of(vfs)->xOpen(base_of(vfs), name, base_of(file), flags, out_flags);
+        return pass_on<&sqlite3_vfs::xOpen>(vfs, name, opened.base, flags, out_flags);
     };
     int const result = attempt(state_of(vfs), std::move(step), open);
-    if (base_of(file)->pMethods != nullptr) { // so that SQLite closes it, opened or not
-        file->pMethods = &FAULTY_FILE_METHODS;
-        faulty(file).state = &state_of(vfs);
-        faulty(file).path = path.release();
+    if (opened.base->pMethods != nullptr) {
+        opened.pMethods = &FAULTY_METHODS;
+        opened.state = &state_of(vfs);
+        opened.path = path.release();
     }
     return result;
 }
@@ -216,50 +158,16 @@ int remove_file(sqlite3_vfs* vfs, char const* name, int sync_folder) {
     step.file = name;
     step.is_synced = sync_folder != 0;
     return attempt(state_of(vfs), std::move(step),
-                   [&] { return base_of(vfs)->xDelete(base_of(vfs), name, sync_folder); });
-}
-
-int access_file(sqlite3_vfs* vfs, char const* name, int flags, int* answer) {
-    return base_of(vfs)->xAccess(base_of(vfs), name, flags, answer);
-}
-
-int full_path_name(sqlite3_vfs* vfs, char const* name, int size, char* path) {
-    return base_of(vfs)->xFullPathname(base_of(vfs), name, size, path);
-}
-
-int randomness(sqlite3_vfs* vfs, int count, char* bytes) {
-    return base_of(vfs)->xRandomness(base_of(vfs), count, bytes);
-}
-
-int sleep_microseconds(sqlite3_vfs* vfs, int microseconds) {
-    return base_of(vfs)->xSleep(base_of(vfs), microseconds);
-}
-
-int current_time(sqlite3_vfs* vfs, double* time) {
-    return base_of(vfs)->xCurrentTime(base_of(vfs), time);
-}
-
-int last_error(sqlite3_vfs* vfs, int size, char* text) {
-    return base_of(vfs)->xGetLastError(base_of(vfs), size, text);
+                   [&] { return pass_on<&sqlite3_vfs::xDelete>(vfs, name, sync_folder); });
 }
 
 } // namespace
 
 FAULTY_FILES::FAULTY_FILES() : m_state(new STATE) {
-    sqlite3_vfs* const base = sqlite3_vfs_find(nullptr);
-    m_state->m_base = base;
-    m_state->iVersion = 1;
-    m_state->szOsFile = static_cast<int>(FILE_SIZE) + base->szOsFile;
-    m_state->mxPathname = base->mxPathname;
+    set_base<FAULTY_FILE>(*m_state, sqlite3_vfs_find(nullptr));
     m_state->zName = NAME;
     m_state->xOpen = open_file;
     m_state->xDelete = remove_file;
-    m_state->xAccess = access_file;
-    m_state->xFullPathname = full_path_name;
-    m_state->xRandomness = randomness;
-    m_state->xSleep = sleep_microseconds;
-    m_state->xCurrentTime = current_time;
-    m_state->xGetLastError = last_error;
     sqlite3_vfs_register(m_state.get(), 0);
 }
 
