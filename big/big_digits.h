@@ -82,7 +82,7 @@ inline void big_store_eight_digits(char* to, unsigned long long digits) {
 
 /// Sixteen characters as they lie in memory, the first in the lowest byte.
 struct BIG_SIXTEEN_DIGITS {
-    __extension__ typedef unsigned __int128 BYTES;
+    __extension__ using BYTES = unsigned __int128;
 
     BYTES m_bytes;
 

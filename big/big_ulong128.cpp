@@ -29,7 +29,7 @@ BIG_ULONG128_DECIMAL_TABLE BIG_ULONG128::s_table;
 
 namespace {
 
-__extension__ typedef unsigned __int128 WIDE;
+__extension__ using WIDE = unsigned __int128;
 
 } // namespace
 

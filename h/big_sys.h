@@ -889,7 +889,7 @@ private:
     // it orders values before their cells do, and the cells above it keep what they held, so that
     // whoever reads the cells masks them.
 
-    __extension__ typedef unsigned __int128 WIDE;
+    __extension__ using WIDE = unsigned __int128;
 
     BIG_LOCAL BIG_ULONG128(WIDE value, int length) : m_length(length) {
         store_two_cells(0, static_cast<unsigned long long>(value));

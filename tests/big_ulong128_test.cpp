@@ -28,7 +28,7 @@
 
 namespace {
 
-__extension__ typedef unsigned __int128 WIDE;
+__extension__ using WIDE = unsigned __int128;
 
 using CELLS = BIG_ULONG128_INSPECTOR::CELLS;
 using USED = std::vector<unsigned int>;

@@ -12,7 +12,7 @@
 
 namespace {
 
-__extension__ typedef unsigned __int128 WIDE;
+__extension__ using WIDE = unsigned __int128;
 
 #ifdef NDEBUG
 constexpr int FEWER = 1;

@@ -104,7 +104,7 @@ TEST(BigqFraction, JsonHelpAndWrongCommandLines) {
 // Against fractions of 128 bits
 // ------------------------------------------------------------------------------------------------
 
-__extension__ typedef __int128 WIDE;
+__extension__ using WIDE = __int128;
 
 /// A fraction's text in lowest terms; an empty text when it does not fit 64 bits.
 std::string text_of(WIDE numerator, WIDE denominator) {

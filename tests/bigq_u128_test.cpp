@@ -118,7 +118,7 @@ TEST(BigqU128, AWrongCommandLineReturns2) {
 // Against the machine's own integer
 // ------------------------------------------------------------------------------------------------
 
-__extension__ typedef unsigned __int128 WIDE;
+__extension__ using WIDE = unsigned __int128;
 
 std::string digits_of(WIDE value) {
     std::string digits;
