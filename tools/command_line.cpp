@@ -2,9 +2,10 @@
 
 #include "text.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <charconv>
-#include <memory>
 
 namespace {
 
@@ -70,41 +71,61 @@ bool takes_value(CLI::App const& app, std::string const& name) {
 
 } // namespace
 
-void describe_command(CLI::App& app, std::string const& command, std::string const& operands,
-                      std::string const& description, std::string const& footer) {
-    app.name("bigq " + command);
-    app.description(description);
-    app.footer(footer);
-    app.formatter(std::make_shared<HELP_FORMAT>(operands));
-    app.set_help_flag("-h,--help", "Print this help and exit");
+COMMAND_LINE::COMMAND_LINE(std::string const& command, std::string const& operands,
+                           std::string const& description, std::string const& footer)
+    : m_app(std::make_unique<CLI::App>(description, "bigq " + command)) {
+    m_app->footer(footer);
+    m_app->formatter(std::make_shared<HELP_FORMAT>(operands));
+    m_app->set_help_flag("-h,--help", "Print this help and exit");
 }
 
-CLI::Option* add_text_option(CLI::App& app, std::string const& name, std::string const& value_name,
-                             std::function<void(std::string const&)> const& set,
-                             std::string const& description) {
-    return app.add_option_function<std::string>(name, set, description)
+COMMAND_LINE::~COMMAND_LINE() = default;
+
+void COMMAND_LINE::add_text(std::string const& names, std::string const& value_name,
+                            std::function<void(std::string const&)> const& set,
+                            std::string const& description) {
+    m_app->add_option_function<std::string>(names, set, description)
         ->type_name(value_name)
         ->take_last();
 }
 
-CLI::Option* add_number_option(CLI::App& app, std::string const& name, unsigned long lowest,
-                               unsigned long highest, std::function<void(unsigned long)> const& set,
-                               std::string const& description) {
+void COMMAND_LINE::add_number(std::string const& names, unsigned long lowest, unsigned long highest,
+                              std::function<void(unsigned long)> const& set,
+                              std::string const& description) {
     auto const read = [=](std::string const& text) {
         unsigned long number = 0;
         char const* const end = text.data() + text.size();
         auto const result = std::from_chars(text.data(), end, number);
         if (result.ec != std::errc() || result.ptr != end || number < lowest || number > highest) {
-            throw USAGE_ERROR(name + ": " + in_quotes(text) + " is not a whole number from "
+            throw USAGE_ERROR(names + ": " + in_quotes(text) + " is not a whole number from "
                               + std::to_string(lowest) + " to " + std::to_string(highest));
         }
         set(number);
     };
-    return add_text_option(app, name, "N", read, description);
+    add_text(names, "N", read, description);
 }
 
-std::vector<std::string> read_command_line(CLI::App& app,
-                                           std::vector<std::string> const& arguments) {
+void COMMAND_LINE::add_flag(std::string const& names, bool& is_given,
+                            std::string const& description) {
+    m_app->add_flag(names, is_given, description);
+}
+
+void COMMAND_LINE::add_flag(std::string const& names, std::function<void()> const& set,
+                            std::string const& description) {
+    m_app->add_flag_callback(names, set, description);
+}
+
+void COMMAND_LINE::exclude(std::string const& name, std::vector<std::string> const& others) {
+    for (std::string const& other : others) {
+        m_app->get_option(name)->excludes(m_app->get_option(other));
+    }
+}
+
+void COMMAND_LINE::begin_group(std::string const& heading) {
+    m_app->option_defaults()->group(heading);
+}
+
+std::vector<std::string> COMMAND_LINE::read(std::vector<std::string> const& arguments) {
     std::vector<std::string> options;
     std::vector<std::string> texts;
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
@@ -118,7 +139,7 @@ std::vector<std::string> read_command_line(CLI::App& app,
         }
         options.push_back(*argument);
         std::string const name = option_name(*argument);
-        if (!takes_value(app, name)) {
+        if (!takes_value(*m_app, name)) {
             continue;
         }
         bool const value_follows = *argument == name;
@@ -132,9 +153,9 @@ std::vector<std::string> read_command_line(CLI::App& app,
     }
     try {
         std::reverse(options.begin(), options.end()); // CLI11 takes the last one first
-        app.parse(options);
+        m_app->parse(options);
     } catch (CLI::CallForHelp const&) {
-        throw HELP_REQUEST(app.help());
+        throw HELP_REQUEST(m_app->help());
     } catch (CLI::ParseError const& error) {
         throw USAGE_ERROR(error.what());
     }

@@ -163,18 +163,18 @@ void COMPARISON::write_object(bool is_answered) {
     m_output.add(text);
 }
 
-void add_compare_options(CLI::App& app, COMPARE_OPTIONS& options) {
-    app.add_flag("--period", options.by_period,
-                 "Compare a time with a frequency's period, exactly; that of 0 Hz is longer than "
-                 "any time");
-    add_text_option(
-        app, "--unit", "UNIT",
+void add_compare_options(COMMAND_LINE& line, COMPARE_OPTIONS& options) {
+    line.add_flag("--period", options.by_period,
+                  "Compare a time with a frequency's period, exactly; that of 0 Hz is longer than "
+                  "any time");
+    line.add_text(
+        "--unit", "UNIT",
         [&options](std::string const& name) { options.unit = unit_named(name, "--unit"); },
         "The unit of numbers that have none (default: they count as picoseconds)");
-    CLI::Option* const silent =
-        app.add_flag("-s,--silent", options.is_silent, "Print nothing; the status is the answer");
-    app.add_flag("--strict", options.is_strict, "Refuse a text that would lose digits");
-    app.add_flag("--json", options.json, "Write a JSON object")->excludes(silent);
+    line.add_flag("-s,--silent", options.is_silent, "Print nothing; the status is the answer");
+    line.add_flag("--strict", options.is_strict, "Refuse a text that would lose digits");
+    line.add_flag("--json", options.json, "Write a JSON object");
+    line.exclude("--json", {"--silent"});
 }
 
 char const* const DESCRIPTION =
@@ -207,10 +207,9 @@ char const* const EXAMPLES =
 
 EXIT_STATUS run_compare(std::vector<std::string> const& arguments) {
     COMPARE_OPTIONS options;
-    CLI::App app;
-    describe_command(app, "compare", "A B", DESCRIPTION, EXAMPLES);
-    add_compare_options(app, options);
-    std::vector<std::string> const texts = read_command_line(app, arguments);
+    COMMAND_LINE line("compare", "A B", DESCRIPTION, EXAMPLES);
+    add_compare_options(line, options);
+    std::vector<std::string> const texts = line.read(arguments);
     if (texts.size() != 2) {
         throw USAGE_ERROR("expected two texts, not " + std::to_string(texts.size()));
     }

@@ -146,21 +146,21 @@ std::string const& checked_flags(std::string const& flags) {
     }
 }
 
-void add_delay_options(CLI::App& app, DELAY_OPTIONS& options) {
-    add_text_option(
-        app, "--from", "TIME",
+void add_delay_options(COMMAND_LINE& line, DELAY_OPTIONS& options) {
+    line.add_text(
+        "--from", "TIME",
         [&options](std::string const& text) { options.from = timescale_named(text, "--from"); },
         "The timescale of the delays: one counts as TIME. A frequency stands for its period");
-    add_text_option(
-        app, "--to", "TIME",
+    line.add_text(
+        "--to", "TIME",
         [&options](std::string const& text) { options.to = timescale_named(text, "--to"); },
         "The timescale to write them in");
-    add_text_option(
-        app, "--radix", "RADIX",
+    line.add_text(
+        "--radix", "RADIX",
         [&options](std::string const& name) { options.radix = radix_named(name); },
         "Write whole delays in dec, oct, hex or HEX (in capitals)");
-    add_text_option(
-        app, "--flags", "FLAGS",
+    line.add_text(
+        "--flags", "FLAGS",
         [&options](std::string const& flags) { options.flags = checked_flags(flags); },
         "Write whole delays as printf does with these flags, any of -+ #0 and then a width of at "
         "most 23");
@@ -192,12 +192,11 @@ char const* const EXAMPLES =
 EXIT_STATUS run_delay(std::vector<std::string> const& arguments) {
     DELAY_OPTIONS options;
     FILTER_OPTIONS filter_options;
-    CLI::App app;
-    describe_command(app, "delay", "[DELAY]...", DESCRIPTION,
-                     FILTER_HELP + ('\n' + std::string(EXAMPLES)));
-    add_delay_options(app, options);
-    add_filter_options(app, filter_options);
-    std::vector<std::string> const texts = read_command_line(app, arguments);
+    COMMAND_LINE line("delay", "[DELAY]...", DESCRIPTION,
+                      FILTER_HELP + ('\n' + std::string(EXAMPLES)));
+    add_delay_options(line, options);
+    add_filter_options(line, filter_options);
+    std::vector<std::string> const texts = line.read(arguments);
     if (!options.from || !options.to) {
         throw USAGE_ERROR(std::string(options.from ? "--to" : "--from")
                           + ": expected a timescale, such as 1ns");

@@ -235,30 +235,27 @@ char const* const FILTER_HELP =
     "Exit status: 0 when everything was converted (or --invalid is warn or ignore), 1 when a text "
     "was refused or reading or writing failed, 2 for a wrong command line.\n";
 
-void add_filter_options(CLI::App& app, FILTER_OPTIONS& options) {
-    char const* const group = "Lines";
-    add_number_option(
-        app, "--field", 1, ULONG_MAX, [&options](unsigned long number) { options.field = number; },
-        "Convert field N of each line and keep the rest (default: the whole line)")
-        ->group(group);
-    add_text_option(
-        app, "-d,--delimiter", "C",
+void add_filter_options(COMMAND_LINE& line, FILTER_OPTIONS& options) {
+    line.begin_group("Lines");
+    line.add_number(
+        "--field", 1, ULONG_MAX, [&options](unsigned long number) { options.field = number; },
+        "Convert field N of each line and keep the rest (default: the whole line)");
+    line.add_text(
+        "-d,--delimiter", "C",
         [&options](std::string const& text) { options.delimiter = delimiter_named(text); },
         "The character between fields (default: runs of spaces and tabs); without --field, field 1 "
-        "is converted")
-        ->group(group);
-    app.add_flag("--header", options.header, "Write the first line as it is")->group(group);
-    add_text_option(
-        app, "--invalid", "MODE",
+        "is converted");
+    line.add_flag("--header", options.header, "Write the first line as it is");
+    line.add_text(
+        "--invalid", "MODE",
         [&options](std::string const& text) { options.invalid = invalid_named(text); },
         "What to do about a text that is refused:\n"
         "abort (default): report it and stop, status 1\n"
         "fail: report it, write its line as it is, go on, status 1\n"
         "warn: report it, write its line as it is, go on, status 0\n"
-        "ignore: write its line as it is, go on, status 0")
-        ->group(group);
-    app.add_flag("--strict", options.strict, "Refuse a text that would lose digits")->group(group);
-    app.add_flag("--json", options.json, "Write one JSON object for each text")->group(group);
+        "ignore: write its line as it is, go on, status 0");
+    line.add_flag("--strict", options.strict, "Refuse a text that would lose digits");
+    line.add_flag("--json", options.json, "Write one JSON object for each text");
 }
 
 EXIT_STATUS run_filter(FILTER_OPTIONS const& options, std::vector<std::string> const& texts,

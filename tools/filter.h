@@ -12,9 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
+class COMMAND_LINE;
 
 /// What became of a text.
 enum class OUTCOME {
@@ -61,7 +59,7 @@ struct FILTER_OPTIONS {
 };
 
 /// Adds the options that set FILTER_OPTIONS.
-void add_filter_options(CLI::App& app, FILTER_OPTIONS& options);
+void add_filter_options(COMMAND_LINE& line, FILTER_OPTIONS& options);
 
 /// The end of a filter's help: what its exit status means.
 extern char const* const FILTER_HELP;

@@ -151,7 +151,8 @@ OUTCOME FRACTION_CONVERSION::convert(std::string const& text, std::string& resul
 std::string FRACTION_CONVERSION::numerator() const {
     long long const numerator = m_value.get_numerator();
     bool const is_negative = (numerator < 0) != (m_value.get_denominator() < 0);
-    return (is_negative ? "-" : "") + magnitude_text(numerator);
+    std::string const digits = magnitude_text(numerator);
+    return is_negative ? '-' + digits : digits;
 }
 
 std::string FRACTION_CONVERSION::denominator() const {
@@ -193,12 +194,11 @@ char const* const EXAMPLES = "What does not fit 64 bits goes on as a double, and
 EXIT_STATUS run_fraction(std::vector<std::string> const& arguments) {
     bool prints_double = false;
     FILTER_OPTIONS filter_options;
-    CLI::App app;
-    describe_command(app, "fraction", "[EXPRESSION]...", DESCRIPTION,
-                     FILTER_HELP + ('\n' + std::string(EXAMPLES)));
-    app.add_flag("--double", prints_double, "Print the double nearest the fraction");
-    add_filter_options(app, filter_options);
-    std::vector<std::string> const texts = read_command_line(app, arguments);
+    COMMAND_LINE line("fraction", "[EXPRESSION]...", DESCRIPTION,
+                      FILTER_HELP + ('\n' + std::string(EXAMPLES)));
+    line.add_flag("--double", prints_double, "Print the double nearest the fraction");
+    add_filter_options(line, filter_options);
+    std::vector<std::string> const texts = line.read(arguments);
     FRACTION_CONVERSION conversion(prints_double);
     return run_filter(filter_options, texts, conversion);
 }

@@ -154,19 +154,19 @@ BIG_TIME::TIME_UNIT clock_unit_named(std::string const& name, std::string const&
     return unit;
 }
 
-void add_freq_options(CLI::App& app, FREQ_OPTIONS& options) {
-    add_text_option(
-        app, "--to", "UNIT",
+void add_freq_options(COMMAND_LINE& line, FREQ_OPTIONS& options) {
+    line.add_text(
+        "--to", "UNIT",
         [&options](std::string const& name) { options.to = clock_unit_named(name, "--to"); },
         "Print in UNIT: of frequency for periods, of time for frequencies (default: Hz and ps)");
-    add_number_option(
-        app, "--precision", 0, USHRT_MAX,
+    line.add_number(
+        "--precision", 0, USHRT_MAX,
         [&options](unsigned long places) {
             options.precision = static_cast<unsigned short>(places);
         },
         "Round half up to N decimal places (default: keep every digit)");
-    add_text_option(
-        app, "--unit", "UNIT",
+    line.add_text(
+        "--unit", "UNIT",
         [&options](std::string const& name) { options.unit = clock_unit_named(name, "--unit"); },
         "The unit of numbers that have none (default: they are periods in picoseconds)");
 }
@@ -198,12 +198,11 @@ char const* const EXAMPLES = "A result that is not exact is reported; --strict r
 EXIT_STATUS run_freq(std::vector<std::string> const& arguments) {
     FREQ_OPTIONS options;
     FILTER_OPTIONS filter_options;
-    CLI::App app;
-    describe_command(app, "freq", "[TEXT]...", DESCRIPTION,
-                     FILTER_HELP + ('\n' + std::string(EXAMPLES)));
-    add_freq_options(app, options);
-    add_filter_options(app, filter_options);
-    std::vector<std::string> const texts = read_command_line(app, arguments);
+    COMMAND_LINE line("freq", "[TEXT]...", DESCRIPTION,
+                      FILTER_HELP + ('\n' + std::string(EXAMPLES)));
+    add_freq_options(line, options);
+    add_filter_options(line, filter_options);
+    std::vector<std::string> const texts = line.read(arguments);
     FREQ_CONVERSION conversion(options);
     return run_filter(filter_options, texts, conversion);
 }

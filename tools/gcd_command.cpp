@@ -125,14 +125,13 @@ EXIT_STATUS run_gcd(std::vector<std::string> const& arguments) {
     bool reduces = false;
     FILTER_OPTIONS filter_options;
     filter_options.joins_texts = true;
-    CLI::App app;
-    describe_command(app, "gcd", "[NUMBER]...", DESCRIPTION,
-                     FILTER_HELP + ('\n' + std::string(EXAMPLES)));
-    app.add_flag("--reduce", reduces,
-                 "Print two numbers of up to 64 bits divided by their divisor; two negative ones "
-                 "become positive");
-    add_filter_options(app, filter_options);
-    std::vector<std::string> const texts = read_command_line(app, arguments);
+    COMMAND_LINE line("gcd", "[NUMBER]...", DESCRIPTION,
+                      FILTER_HELP + ('\n' + std::string(EXAMPLES)));
+    line.add_flag("--reduce", reduces,
+                  "Print two numbers of up to 64 bits divided by their divisor; two negative ones "
+                  "become positive");
+    add_filter_options(line, filter_options);
+    std::vector<std::string> const texts = line.read(arguments);
     GCD_CONVERSION conversion(reduces);
     return run_filter(filter_options, texts, conversion);
 }

@@ -315,29 +315,27 @@ void LEGALITY::add_members(JSON_OBJECT& object) const {
 // The command line
 // ------------------------------------------------------------------------------------------------
 
-void add_radix_options(CLI::App& app, RADIX_OPTIONS& options) {
+void add_radix_options(COMMAND_LINE& line, RADIX_OPTIONS& options) {
     auto const keep_in = [](std::string& place, char const* option) {
         return [&place, option](std::string const& name) {
             radix_named(name, false, option);
             place = name;
         };
     };
-    CLI::Option* const from = add_text_option(
-        app, "--from", "RADIX", keep_in(options.from, "--from"), "The radix of the values");
-    CLI::Option* const to =
-        add_text_option(app, "--to", "RADIX", keep_in(options.to, "--to"), "Print in RADIX");
-    CLI::Option* const width = add_number_option(
-        app, "--width", 0, WIDTH_LIMIT,
+    line.add_text("--from", "RADIX", keep_in(options.from, "--from"), "The radix of the values");
+    line.add_text("--to", "RADIX", keep_in(options.to, "--to"), "Print in RADIX");
+    line.add_number(
+        "--width", 0, WIDTH_LIMIT,
         [&options](unsigned long bits) { options.width = static_cast<unsigned int>(bits); },
         "Fit each value to N bits: a shorter one is extended, a longer one loses its high bits; 0 "
         "(default) keeps as many bits as the value has");
-    app.add_flag("--signed", options.is_signed,
-                 "dec is signed: the same as sdec (default: unsigned, the same as udec)");
-    add_text_option(
-        app, "--check", "RADIX", keep_in(options.check, "--check"),
+    line.add_flag("--signed", options.is_signed,
+                  "dec is signed: the same as sdec (default: unsigned, the same as udec)");
+    line.add_text(
+        "--check", "RADIX", keep_in(options.check, "--check"),
         "Convert nothing: write \"legal\" or \"illegal\" behind each value; status 1 when one is "
-        "illegal")
-        ->excludes(from, to, width);
+        "illegal");
+    line.exclude("--check", {"--from", "--to", "--width"});
 }
 
 /// Throws USAGE_ERROR for a --signed that would change nothing.
@@ -383,12 +381,11 @@ char const* const EXAMPLES =
 EXIT_STATUS run_radix(std::vector<std::string> const& arguments) {
     RADIX_OPTIONS options;
     FILTER_OPTIONS filter_options;
-    CLI::App app;
-    describe_command(app, "radix", "[VALUE]...", DESCRIPTION,
-                     FILTER_HELP + ('\n' + std::string(EXAMPLES)));
-    add_radix_options(app, options);
-    add_filter_options(app, filter_options);
-    std::vector<std::string> const texts = read_command_line(app, arguments);
+    COMMAND_LINE line("radix", "[VALUE]...", DESCRIPTION,
+                      FILTER_HELP + ('\n' + std::string(EXAMPLES)));
+    add_radix_options(line, options);
+    add_filter_options(line, filter_options);
+    std::vector<std::string> const texts = line.read(arguments);
     check_signed(options);
     if (options.check.empty()) {
         RADIX_CONVERSION conversion = conversion_of(options);

@@ -464,29 +464,29 @@ void require_texts(VERB const& verb, std::size_t count) {
 // The command line
 // ------------------------------------------------------------------------------------------------
 
-void add_store_options(CLI::App& app, STORE_OPTIONS& options) {
-    add_text_option(
-        app, "--class", "CLASS",
+void add_store_options(COMMAND_LINE& line, STORE_OPTIONS& options) {
+    line.add_text(
+        "--class", "CLASS",
         [&options](std::string const& name) {
             class_named(name);
             options.class_name = name;
         },
         "What put reads, and what list shows: time (default of put), frequency or fraction");
-    app.add_flag("--array", options.is_array, "Put an array of all the values");
-    add_text_option(
-        app, "--unit", "UNIT",
+    line.add_flag("--array", options.is_array, "Put an array of all the values");
+    line.add_text(
+        "--unit", "UNIT",
         [&options](std::string const& name) { options.unit = unit_named(name, "--unit"); },
         "The unit of numbers that have none");
-    app.add_flag("--strict", options.strict, "Refuse a text that would lose digits");
-    add_text_option(
-        app, "--prefix", "TEXT", [&options](std::string const& text) { options.prefix = text; },
+    line.add_flag("--strict", options.strict, "Refuse a text that would lose digits");
+    line.add_text(
+        "--prefix", "TEXT", [&options](std::string const& text) { options.prefix = text; },
         "List names that start with TEXT");
-    add_number_option(
-        app, "--wait", 0, 86400,
+    line.add_number(
+        "--wait", 0, 86400,
         [&options](unsigned long seconds) { options.open.wait = std::chrono::seconds(seconds); },
         "Wait at most N seconds for other programs (default: 10)");
-    app.add_flag("--allow-network-files", options.open.allow_network_files,
-                 "Open a file on a network file system, at the risk of losing it");
+    line.add_flag("--allow-network-files", options.open.allow_network_files,
+                  "Open a file on a network file system, at the risk of losing it");
 }
 
 char const* const DESCRIPTION =
@@ -518,10 +518,9 @@ char const* const EXAMPLES = "Examples:\n"
 
 EXIT_STATUS run_store(std::vector<std::string> const& arguments) {
     STORE_OPTIONS options;
-    CLI::App app;
-    describe_command(app, "store", "STORE VERB [TEXT]...", DESCRIPTION, EXAMPLES);
-    add_store_options(app, options);
-    TEXTS texts = read_command_line(app, arguments);
+    COMMAND_LINE line("store", "STORE VERB [TEXT]...", DESCRIPTION, EXAMPLES);
+    add_store_options(line, options);
+    TEXTS texts = line.read(arguments);
     if (texts.size() < 2) {
         throw USAGE_ERROR("expected a store and one of put, get, list, erase, check, dump, load");
     }

@@ -116,26 +116,25 @@ void set_target(TIME_OPTIONS& options, std::string const& name) {
     }
 }
 
-void add_time_options(CLI::App& app, TIME_OPTIONS& options) {
-    CLI::Option* const to = add_text_option(
-        app, "--to", "UNIT", [&options](std::string const& name) { set_target(options, name); },
+void add_time_options(COMMAND_LINE& line, TIME_OPTIONS& options) {
+    line.add_text(
+        "--to", "UNIT", [&options](std::string const& name) { set_target(options, name); },
         "Print in UNIT; own (default) is the unit of the text, auto the one from ps to s that "
         "suits the magnitude, without trailing zeros");
-    CLI::Option* const precision = add_number_option(
-        app, "--precision", 0, USHRT_MAX,
+    line.add_number(
+        "--precision", 0, USHRT_MAX,
         [&options](unsigned long places) {
             options.precision = static_cast<unsigned short>(places);
         },
         "Round half up to N decimal places (default: keep every digit)");
-    CLI::Option* const trim =
-        app.add_flag("--trim", options.trim, "Drop trailing zeros, all but one behind the point");
-    app.add_flag_callback(
-           "--raw", [&options] { options.target = TARGET::RAW; },
-           "Print every digit in the unit of the text, without trailing zeros; a number without a "
-           "unit has a blank behind it")
-        ->excludes(to, precision, trim);
-    add_text_option(
-        app, "--unit", "UNIT",
+    line.add_flag("--trim", options.trim, "Drop trailing zeros, all but one behind the point");
+    line.add_flag(
+        "--raw", [&options] { options.target = TARGET::RAW; },
+        "Print every digit in the unit of the text, without trailing zeros; a number without a "
+        "unit has a blank behind it");
+    line.exclude("--raw", {"--to", "--precision", "--trim"});
+    line.add_text(
+        "--unit", "UNIT",
         [&options](std::string const& name) { options.unit = unit_named(name, "--unit"); },
         "The unit of numbers that have none (default: they stay without a unit and count as "
         "picoseconds)");
@@ -173,12 +172,11 @@ char const* const EXAMPLES =
 EXIT_STATUS run_time(std::vector<std::string> const& arguments) {
     TIME_OPTIONS options;
     FILTER_OPTIONS filter_options;
-    CLI::App app;
-    describe_command(app, "time", "[TEXT]...", description(),
-                     FILTER_HELP + ('\n' + std::string(EXAMPLES)));
-    add_time_options(app, options);
-    add_filter_options(app, filter_options);
-    std::vector<std::string> const texts = read_command_line(app, arguments);
+    COMMAND_LINE line("time", "[TEXT]...", description(),
+                      FILTER_HELP + ('\n' + std::string(EXAMPLES)));
+    add_time_options(line, options);
+    add_filter_options(line, filter_options);
+    std::vector<std::string> const texts = line.read(arguments);
     TIME_CONVERSION conversion(options);
     return run_filter(filter_options, texts, conversion);
 }

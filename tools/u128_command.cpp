@@ -115,15 +115,14 @@ char const* const EXAMPLES = "Examples:\n"
 EXIT_STATUS run_u128(std::vector<std::string> const& arguments) {
     bool is_hexadecimal = false;
     FILTER_OPTIONS filter_options;
-    CLI::App app;
-    describe_command(app, "u128", "[EXPRESSION]...", DESCRIPTION,
-                     FILTER_HELP + ('\n' + std::string(EXAMPLES)));
-    add_text_option(
-        app, "--to", "RADIX",
+    COMMAND_LINE line("u128", "[EXPRESSION]...", DESCRIPTION,
+                      FILTER_HELP + ('\n' + std::string(EXAMPLES)));
+    line.add_text(
+        "--to", "RADIX",
         [&is_hexadecimal](std::string const& name) { is_hexadecimal = is_hexadecimal_named(name); },
         "Print in dec (d, the default) or hex (h)");
-    add_filter_options(app, filter_options);
-    std::vector<std::string> const texts = read_command_line(app, arguments);
+    add_filter_options(line, filter_options);
+    std::vector<std::string> const texts = line.read(arguments);
     U128_CONVERSION conversion(is_hexadecimal);
     return run_filter(filter_options, texts, conversion);
 }
