@@ -8,6 +8,7 @@
 #include "big_sys.h"
 #include "mem_sys.h"
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -41,9 +42,8 @@ inline std::string text_of(BIG_TIME const& time) {
     return std::to_string(time.get_time_value()) + ", UNIT_" + name;
 }
 
-/// The result of a call, or how it ended; then, on a line each, what it reported.
-template <typename CALL_FN>
-std::string shown(CALL_FN call) {
+/// What a call gives as text, or how it ended; then, on a line each, what it reported.
+inline std::string outcome_of(std::function<std::string()> const& call) {
     std::string reports;
     err_set_message_sink([&](MSG_ENUMERATED_POST_MSG id, char const* arg1, char const* arg2) {
         reports += "\nmessage " + std::to_string(id) + ": \"" + arg1 + '"';
@@ -54,12 +54,7 @@ std::string shown(CALL_FN call) {
         [&](char const*, char const* text) { reports += std::string("\ndebug: ") + text; });
     std::string result;
     try {
-        if constexpr (std::is_void_v<decltype(call())>) {
-            call();
-            result = "nothing";
-        } else {
-            result = text_of(call());
-        }
+        result = call();
     } catch (ERR_INTERNAL_ERROR const& error) {
         result = "internal error: " + error.text();
     } catch (std::out_of_range const&) {
@@ -68,6 +63,19 @@ std::string shown(CALL_FN call) {
     err_set_message_sink(nullptr);
     mem_set_debug_sink(nullptr);
     return result + reports;
+}
+
+/// The same of a call with a result of whatever type.
+template <typename CALL_FN>
+std::string shown(CALL_FN call) {
+    return outcome_of([&]() -> std::string {
+        if constexpr (std::is_void_v<decltype(call())>) {
+            call();
+            return "nothing";
+        } else {
+            return text_of(call());
+        }
+    });
 }
 
 #endif
