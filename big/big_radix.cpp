@@ -31,6 +31,7 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 #include <array>
 #include <bit>
 #include <charconv>
+#include <climits>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -87,6 +88,18 @@ enum DIGIT_KIND : unsigned short {
     LEGAL_DIGIT = 256,  ///< both
 };
 constexpr std::string_view LOGIC_VALUES = "Z-UWHLX";
+
+static_assert(
+    [] {
+        for (int c = CHAR_MIN; c <= CHAR_MAX; ++c) {
+            bool const is_listed =
+                LOGIC_VALUES.find(static_cast<char>(c)) != std::string_view::npos;
+            if (is_listed != big_digits::is_logic_value(static_cast<char>(c)))
+                return false;
+        }
+        return true;
+    }(),
+    "the list and the arithmetic are of the same logic values");
 
 constexpr std::array<unsigned short, 256> DIGIT_KINDS = [] {
     std::array<unsigned short, 256> kinds{};

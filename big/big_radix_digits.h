@@ -425,21 +425,24 @@ inline bool write_64_bits_as_hex(char const* binary, char* text) {
     return true;
 }
 
+/// Whether a binary digit, in upper case, is a logic value; of a vector of digits, which of them
+/// are.
+template <typename DIGITS>
+constexpr auto is_logic_value(DIGITS upper) {
+    return ((upper | '\2') == 'W') | ((upper | '\2') == 'Z') // U W, X Z
+           | ((upper | '\4') == 'L') | (upper == '-');       // H L, -
+}
+
 #if BIG_SSE2
 /// In each byte a where the mask is set, else b.
 inline __m128i choose(__m128i mask, __m128i a, __m128i b) {
     return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
 }
 
-/// Which binary digits, in upper case, are logic values.
+/// Which of 16 binary digits, in upper case, are logic values.
 inline __m128i are_logic_values(__m128i upper) {
-    auto const is = [](__m128i characters, char c) {
-        return _mm_cmpeq_epi8(characters, _mm_set1_epi8(c));
-    };
-    __m128i const with_2 = _mm_or_si128(upper, _mm_set1_epi8(2));
-    __m128i const with_4 = _mm_or_si128(upper, _mm_set1_epi8(4));
-    return _mm_or_si128(_mm_or_si128(is(with_2, 'W'), is(with_2, 'Z')), // U W, X Z
-                        _mm_or_si128(is(with_4, 'L'), is(upper, '-'))); // H L, -
+    typedef char BYTES __attribute__((vector_size(16)));
+    return reinterpret_cast<__m128i>(is_logic_value(reinterpret_cast<BYTES>(upper)));
 }
 
 /// What groups of four binary digits are: each stands in a lane of 32 bits.
