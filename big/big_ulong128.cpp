@@ -22,6 +22,7 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 // text.
 
 #include "big_digits.h"
+#include "big_text.h"
 #include "big_ulong128_internal.h"
 
 BIG_ULONG128_DECIMAL_TABLE BIG_ULONG128::s_table;
@@ -43,8 +44,7 @@ BIG_ULONG128::BIG_ULONG128(int value)
 }
 
 BIG_ULONG128 abs_value(long long value) {
-    unsigned long long const bits = static_cast<unsigned long long>(value);
-    return BIG_ULONG128(value < 0 ? 0 - bits : bits);
+    return BIG_ULONG128(big_magnitude(value));
 }
 
 // ------------------------------------------------------------------------------------------------
