@@ -193,6 +193,18 @@ bool has_row(STATEMENT& statement) {
     return statement.next();
 }
 
+/// Of two statements that read rows by name, the one that reads a range: to its end or, where it
+/// has none, to the last name. Its parameters are bound.
+STATEMENT& of_range(STATEMENT& to_the_last, STATEMENT& to_an_end, NAME_RANGE const& range,
+                    std::size_t limit) {
+    STATEMENT& statement = range.to.empty() ? to_the_last : to_an_end;
+    statement.bind(1, range.from);
+    statement.bind(2, limit);
+    if (!range.to.empty())
+        statement.bind(3, range.to);
+    return statement;
+}
+
 class SQLITE_TABLE final : public CLASS_TABLE {
 public:
     SQLITE_TABLE(SQLITE_ENGINE& engine, STORED_CLASS const& stored);
@@ -382,12 +394,8 @@ bool SQLITE_TABLE::get_value(std::string_view name, CELL* cells, std::uint64_t& 
 
 void SQLITE_TABLE::read_values(NAME_RANGE const& range, std::size_t limit, VALUE_BATCH& batch) {
     batch.clear();
-    STATEMENT& rows = range.to.empty() ? m_read_values : m_read_values_to;
+    STATEMENT& rows = of_range(m_read_values, m_read_values_to, range, limit);
     RESET_AT_END const reset(rows);
-    rows.bind(1, range.from);
-    rows.bind(2, limit);
-    if (!range.to.empty())
-        rows.bind(3, range.to);
     while (rows.next()) {
         CELL* const cells =
             batch.add(rows.bytes(0), m_stored.members.size(), rows.number(m_columns + 1));
@@ -433,12 +441,8 @@ bool SQLITE_TABLE::get_array(std::string_view name, ARRAY_HEAD& head) {
 void SQLITE_TABLE::read_arrays(NAME_RANGE const& range, std::size_t limit,
                                std::vector<NAMED_ARRAY>& arrays) {
     arrays.clear();
-    STATEMENT& rows = range.to.empty() ? m_read_arrays : m_read_arrays_to;
+    STATEMENT& rows = of_range(m_read_arrays, m_read_arrays_to, range, limit);
     RESET_AT_END const reset(rows);
-    rows.bind(1, range.from);
-    rows.bind(2, limit);
-    if (!range.to.empty())
-        rows.bind(3, range.to);
     while (rows.next())
         arrays.push_back(
             {std::string(rows.bytes(0)), {rows.number(1), rows.number(2), rows.number(3)}});
