@@ -10,8 +10,10 @@
 #include <iterator>
 #include <sstream>
 #include <string_view>
+#include <thread>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <sys/sysmacros.h>
@@ -89,10 +91,15 @@ std::string network_file_system(std::string const& path) {
 
 namespace {
 
+/// Opens the folder of a file. Returns a descriptor, -1 when it cannot be opened.
+int open_folder_of(std::string const& path) {
+    std::string const folder = std::filesystem::path(path).parent_path();
+    return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+}
+
 /// Brings the names in a folder to the disk. Returns the system's error number.
 int sync_folder_of(std::string const& path) {
-    std::string const folder = std::filesystem::path(path).parent_path();
-    int const descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    int const descriptor = open_folder_of(path);
     if (descriptor < 0)
         return errno;
     int const error = ::fsync(descriptor) == 0 ? 0 : errno;
@@ -107,4 +114,27 @@ int move_file(std::string const& from, std::string const& to, bool may_replace) 
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), flags) != 0)
         return errno;
     return sync_folder_of(to);
+}
+
+FOLDER_LOCK::FOLDER_LOCK(std::string const& file, std::chrono::milliseconds wait)
+    : m_descriptor(open_folder_of(file)) {
+    if (m_descriptor < 0) {
+        m_error = errno;
+        return;
+    }
+    auto const deadline = std::chrono::steady_clock::now() + wait;
+    while (::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EINTR)
+            continue;
+        if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= deadline) {
+            m_error = errno;
+            return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+}
+
+FOLDER_LOCK::~FOLDER_LOCK() {
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
 }

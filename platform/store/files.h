@@ -4,6 +4,7 @@
 /// @file
 /// What a store needs of the file system beside what SQLite does.
 
+#include <chrono>
 #include <string>
 
 /// The name of the network file system that a file or folder lies on; empty when the file system is
@@ -15,5 +16,23 @@ std::string network_file_system(std::string const& path);
 ///
 /// @return the system's error number, EEXIST for a name that is taken; 0 when it is done
 int move_file(std::string const& from, std::string const& to, bool may_replace);
+
+/// Keeps a folder to one holder at a time, of all that ask for it so: handles, threads and
+/// programs. It ends with the object, or with the program.
+class FOLDER_LOCK {
+public:
+    /// Waits for the folder of a file.
+    FOLDER_LOCK(std::string const& file, std::chrono::milliseconds wait);
+    ~FOLDER_LOCK();
+    FOLDER_LOCK(FOLDER_LOCK const&) = delete;
+    FOLDER_LOCK& operator=(FOLDER_LOCK const&) = delete;
+
+    /// The system's error number, EWOULDBLOCK when the wait was too long; 0 when it is held.
+    int error() const { return m_error; }
+
+private:
+    int m_descriptor;
+    int m_error = 0;
+};
 
 #endif

@@ -13,6 +13,7 @@
 #include "sqlite_format.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 
@@ -252,12 +253,20 @@ void compare_copy(SQLITE_DATABASE& original, std::vector<STORED_CLASS> const& cl
 
 void migrate_from_format_1(std::string const& path, std::string const& shown_as,
                            PDB_STORE_OPTIONS const& options, CLASS_CHECK const& check) {
+    // One who waited for the file until a copy took its place would take a journal of the copy's
+    // for one of the file's own, and play it back. So only who has the folder opens it.
+    FOLDER_LOCK const turn(path, options.wait);
     SQLITE_DATABASE original(path, shown_as, SQLITE_OPEN_READWRITE, options, false);
+    if (turn.error() == EWOULDBLOCK)
+        original.check(SQLITE_BUSY);
+    if (turn.error() != 0)
+        original.fail(PDB_STORE_ERROR::SYSTEM, "its folder cannot be locked: "
+                                                   + std::generic_category().message(turn.error()));
+    if (format_in(original.header()) != 1)
+        return;
     original.set_up();
     // Nobody else reads or writes until the copy has taken its place.
     original.run("BEGIN EXCLUSIVE");
-    if (original.has_moved())
-        return;
     STATEMENT directory(original, SELECT_CLASSES);
     std::vector<STORED_CLASS> const classes = read_classes(original, directory);
     check(classes);

@@ -763,6 +763,10 @@ void refuse_foreign(FILE_HEADER const& header, bool is_empty, std::string const&
 
 } // namespace
 
+std::uint32_t format_in(std::string const& header) {
+    return FILE_HEADER(header).format;
+}
+
 std::unique_ptr<ENGINE> open_sqlite(std::string const& path, PDB_STORE_OPTIONS const& options,
                                     CLASS_CHECK const& check) {
     bool const writes = options.access != PDB_STORE_OPTIONS::READ;
@@ -786,8 +790,12 @@ std::unique_ptr<ENGINE> open_sqlite(std::string const& path, PDB_STORE_OPTIONS c
         auto database = std::make_unique<SQLITE_DATABASE>(
             file, path, writes ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY, options, true);
         // The header may be half of one that a save was writing when the power failed.
-        if (is_sealed_journal(file + "-journal"))
+        if (is_sealed_journal(file + "-journal")) {
+            // Not that of a copy in the present format beside the older file that it has replaced
+            if (database->has_moved())
+                continue;
             database->set_up();
+        }
         std::string const bytes = database->header();
         FILE_HEADER const header(bytes);
         refuse_foreign(header, bytes.empty(), path);

@@ -15,6 +15,9 @@ constexpr std::uint32_t STORE_APPLICATION_ID = 0x42494753;
 /// The user version in the file's header.
 constexpr std::uint32_t STORE_FORMAT = 2;
 
+/// The format in the header of an SQLite file; 0 for anything else.
+std::uint32_t format_in(std::string const& header);
+
 /// Makes a store without classes in a new file beside another.
 ///
 /// @param path the file that it is to become
