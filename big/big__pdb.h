@@ -1,5 +1,5 @@
-#ifndef BIG__PDB_H
-#define BIG__PDB_H
+#ifndef BIG_PDB_H
+#define BIG_PDB_H
 
 /// @file
 /// The registration record of a stored class and the functions that it gives to a database.

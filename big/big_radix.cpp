@@ -42,7 +42,6 @@ static MEM_INITIALIZER s_mem_initializer("BIG");
 
 #include <locale.h>
 
-using big_digits::BITS_PER_WORD;
 using big_natural::make_room;
 using big_natural::NUMBER;
 using big_natural::SHORT_NUMBER;

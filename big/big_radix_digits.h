@@ -441,7 +441,7 @@ inline __m128i choose(__m128i mask, __m128i a, __m128i b) {
 
 /// Which of 16 binary digits, in upper case, are logic values.
 inline __m128i are_logic_values(__m128i upper) {
-    typedef char BYTES __attribute__((vector_size(16)));
+    using BYTES [[gnu::vector_size(16)]] = char;
     return reinterpret_cast<__m128i>(is_logic_value(reinterpret_cast<BYTES>(upper)));
 }
 

@@ -773,15 +773,20 @@ public:
     BIG_LOCAL BIG_ULONG128(long value) : BIG_ULONG128(static_cast<long long>(value)) {}
     BIG_INLINE BIG_ULONG128(BIG_ULONG128 const& other)
         : BIG_ULONG128(other.value(), other.m_length) {}
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): all is read before any of it is written
     BIG_INLINE BIG_ULONG128& operator=(BIG_ULONG128 const& other) {
-        return assign(other.value(), other.m_length);
+        assign(other.value(), other.m_length);
+        return *this;
     }
     BIG_INLINE BIG_ULONG128& operator=(unsigned long long value) {
         store_two_cells(0, value);
         m_length = value > 0xFFFFFFFFu ? 2 : 1;
         return *this;
     }
-    BIG_INLINE BIG_ULONG128& operator=(unsigned int const& value) { return assign(value, 1); }
+    BIG_INLINE BIG_ULONG128& operator=(unsigned int const& value) {
+        assign(value, 1);
+        return *this;
+    }
     /// Any other integer, as it is constructed from.
     template <typename INTEGER, FOR_NUMBER<INTEGER, true> = 0>
     BIG_LOCAL BIG_ULONG128& operator=(INTEGER value) {
@@ -924,12 +929,11 @@ private:
     }
 
     /// Takes over a number of some length and leaves the cells above it as they are.
-    BIG_LOCAL BIG_ULONG128& assign(WIDE value, int length) {
+    BIG_LOCAL void assign(WIDE value, int length) {
         WIDE const cells = (all_cells() & ~bits_below(length)) | value;
         store_two_cells(0, static_cast<unsigned long long>(cells));
         store_two_cells(2, static_cast<unsigned long long>(cells >> 64));
         m_length = length;
-        return *this;
     }
 
     BIG_LOCAL WIDE all_cells() const {

@@ -78,7 +78,8 @@ bool FRACTION_ARITHMETIC::read(std::string_view text, BIG_FRACTION& value, std::
         digits.erase(point, 1);
     }
     std::size_t const sign = digits[0] == '-';
-    if (digits.size() == sign || digits.find_first_not_of("0123456789", sign) != digits.npos) {
+    if (digits.size() == sign
+        || digits.find_first_not_of("0123456789", sign) != std::string::npos) {
         problem = "is not a number: expected decimal digits with at most one point";
         return false;
     }

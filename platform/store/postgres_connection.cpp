@@ -207,7 +207,7 @@ struct LIBPQ_PARAMETERS {
 };
 
 bool is_starting(LIBPQ_PARAMETERS const& server) {
-    return PQpingParams(server.NAMES.data(), server.values.data(), 1) == PQPING_REJECT;
+    return PQpingParams(LIBPQ_PARAMETERS::NAMES.data(), server.values.data(), 1) == PQPING_REJECT;
 }
 
 } // namespace
@@ -250,11 +250,11 @@ void POSTGRES_CONNECTION::reconnect() {
 std::string POSTGRES_CONNECTION::connect() {
     LIBPQ_PARAMETERS const server(m_address, m_wait);
     m_prepared.clear();
-    m_connection.reset(PQconnectdbParams(server.NAMES.data(), server.values.data(), 1));
+    m_connection.reset(PQconnectdbParams(LIBPQ_PARAMETERS::NAMES.data(), server.values.data(), 1));
     if (m_connection == nullptr)
         throw std::bad_alloc();
     if (PQstatus(m_connection.get()) != CONNECTION_OK) {
-        std::string const reason = on_one_line(PQerrorMessage(m_connection.get()));
+        std::string reason = on_one_line(PQerrorMessage(m_connection.get()));
         drop();
         return reason;
     }

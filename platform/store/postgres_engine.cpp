@@ -759,9 +759,12 @@ std::string POSTGRES_ENGINE::view_of_elements(STORED_CLASS const& stored) const 
                                  + std::to_string(offset) + ")::integer FOR " + bytes + ')';
         std::string const bits = "('x' || encode(" + part + ", 'hex'))::bit("
                                  + std::to_string(8 * packed_size(member.type)) + ")::";
-        text += ", "
-                + (member.type == MEMBER_TYPE::DOUBLE ? part : bits + std::string(type_of(member)))
-                + " AS " + in_quotes(member.column);
+        text += ", ";
+        if (member.type == MEMBER_TYPE::DOUBLE)
+            text += part;
+        else
+            text.append(bits).append(type_of(member));
+        text += " AS " + in_quotes(member.column);
         offset += packed_size(member.type);
     }
     return text + " FROM " + in_schema(stored.table + "_array") + " AS a JOIN "

@@ -182,10 +182,10 @@ private:
 };
 
 /// Hands the cells of an object to its members, or takes them from there.
-template <bool saves>
+template <bool SAVES>
 class CELL_SEGMENT final : public SEGMENT {
 public:
-    using CELL_POINTER = std::conditional_t<saves, CELL*, CELL const*>;
+    using CELL_POINTER = std::conditional_t<SAVES, CELL*, CELL const*>;
 
     CELL_SEGMENT(STORED_CLASS const& stored, CELL_POINTER cells)
         : m_members(stored.members), m_cells(cells) {}
@@ -193,7 +193,7 @@ public:
     void transfer(long long* member) override {
         if (!is_next(MEMBER_TYPE::INT64))
             return;
-        if constexpr (saves)
+        if constexpr (SAVES)
             m_cells[m_next++] = static_cast<CELL>(*member);
         else
             *member = static_cast<long long>(m_cells[m_next++]);
@@ -202,7 +202,7 @@ public:
     void transfer(int* member) override {
         if (!is_next(MEMBER_TYPE::INT32))
             return;
-        if constexpr (saves)
+        if constexpr (SAVES)
             m_cells[m_next++] = static_cast<CELL>(static_cast<long long>(*member));
         else
             *member = static_cast<int>(static_cast<std::uint32_t>(m_cells[m_next++]));
@@ -212,7 +212,7 @@ public:
     void transfer(double* member) override {
         if (!is_next(MEMBER_TYPE::DOUBLE))
             return;
-        if constexpr (saves)
+        if constexpr (SAVES)
             std::memcpy(&m_cells[m_next++], member, sizeof *member);
         else
             std::memcpy(member, &m_cells[m_next++], sizeof *member);

@@ -719,7 +719,7 @@ void refuse_network(std::string const& path, std::string const& shown_as,
 struct FILE_HEADER {
     explicit FILE_HEADER(std::string const& bytes)
         : is_sqlite(bytes.size() >= 100
-                    && bytes.starts_with(std::string_view("SQLite format 3", 16))),
+                    && bytes.starts_with(std::string_view("SQLite format 3\0", 16))),
           reserved_bytes(is_sqlite ? static_cast<unsigned char>(bytes[20]) : 0),
           uses_log(is_sqlite && (bytes[18] != 1 || bytes[19] != 1)),
           format(is_sqlite ? number(bytes, 60) : 0),
