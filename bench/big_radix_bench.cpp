@@ -38,16 +38,19 @@ constexpr std::array<unsigned, 11> WIDTHS = {8,    16,    32,    64,     128,   
 struct RADIX {
     char const* name;
     BIG_RADIX radix;
-    int base; ///< for GMP; 0 where it has none
+    int base;             ///< for GMP; 0 where it has none
+    unsigned widest_from; ///< the widths to which it is converted from and to
+    unsigned widest_to;
 };
 
-constexpr std::array<RADIX, 6> RADIXES = {{
-    {"bin", BIG_BIN, 2},
-    {"oct", BIG_OCT, 8},
-    {"hex", BIG_HEX, 16},
-    {"dec", BIG_UNSIGNED_DEC, 10},
-    {"signed", BIG_SIGNED_DEC, 10},
-    {"ascii", BIG_ASCII, 0},
+constexpr std::array<RADIX, 7> RADIXES = {{
+    {"bin", BIG_BIN, 2, WIDTHS.back(), WIDTHS.back()},
+    {"oct", BIG_OCT, 8, WIDTHS.back(), WIDTHS.back()},
+    {"hex", BIG_HEX, 16, WIDTHS.back(), WIDTHS.back()},
+    {"dec", BIG_UNSIGNED_DEC, 10, WIDTHS.back(), WIDTHS.back()},
+    {"signed", BIG_SIGNED_DEC, 10, WIDTHS.back(), WIDTHS.back()},
+    {"fix", BIG_FRAC_FIX_POINT, 0, 64, 1024},
+    {"ascii", BIG_ASCII, 0, WIDTHS.back(), WIDTHS.back()},
 }};
 
 /// The row of the table that a pair of radixes belongs to, or "curve".
@@ -242,6 +245,8 @@ void bench::add_comparisons() {
     for (RADIX const& from : RADIXES) {
         for (RADIX const& to : RADIXES) {
             for (unsigned const width : WIDTHS) {
+                if (width > from.widest_from || width > to.widest_to)
+                    continue;
                 if (&from != &to)
                     add_pair(from, to, width, false);
                 if (row_of(from, to) != "curve" && (width == 64 || width == 128))
