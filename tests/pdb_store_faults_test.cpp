@@ -8,9 +8,11 @@
 #include "big_sys.h"
 #include "fault_campaign.h"
 #include "faulty_files.h"
+#include "format_1_writer.h"
 #include "store_places.h"
 
 #include <algorithm>
+#include <bit>
 #include <filesystem>
 #include <functional>
 #include <iostream>
@@ -72,15 +74,32 @@ std::vector<std::function<void(PDB_STORE&)>> saves() {
     };
 }
 
-/// A folder with a store, and what the store holds before the saves and after each.
-class STORE_WITH_HISTORY {
+/// A folder whose one file is a store, and which is brought back to what it held before.
+class STORE_FOLDER {
+public:
+    std::string path() const { return m_folder.path("values.store"); }
+    std::string folder() const { return m_folder.path(); }
+
+    /// Puts these files into the folder, and removes every other one.
+    void restore(DISK const& disk) const {
+        for (auto const& entry : std::filesystem::directory_iterator(folder()))
+            std::filesystem::remove(entry.path());
+        for (auto const& [file, content] : disk)
+            write_content(file, content);
+    }
+
+private:
+    TEMPORARY_FOLDER m_folder;
+};
+
+/// A store, and what it holds before the saves and after each.
+class STORE_WITH_HISTORY : public STORE_FOLDER {
 public:
     STORE_WITH_HISTORY() {
         PDB_STORE store(path());
         seed(store);
-        m_seed = content_of(path());
         m_dumps.push_back(dump_of(store));
-        m_files.push_back(m_seed);
+        m_files.push_back(content_of(path()));
         for (auto const& save : saves()) {
             save(store);
             m_dumps.push_back(dump_of(store));
@@ -88,25 +107,56 @@ public:
         }
     }
 
-    std::string path() const { return m_folder.path("values.store"); }
     /// What is in the store after so many saves.
     std::string const& dump(std::size_t saves) const { return m_dumps[saves]; }
 
-    /// Brings the folder to the state after so many saves, with no other file in it.
-    void restore(std::size_t saves) const { restore(DISK{{path(), m_files[saves]}}); }
-    void restore(DISK const& disk) const {
-        for (auto const& entry : std::filesystem::directory_iterator(m_folder.path()))
-            std::filesystem::remove(entry.path());
-        for (auto const& [file, content] : disk)
-            write_content(file, content);
-    }
+    /// The folder after so many saves.
     DISK disk(std::size_t saves) const { return {{path(), m_files[saves]}}; }
 
 private:
-    TEMPORARY_FOLDER m_folder;
-    std::string m_seed;
     std::vector<std::string> m_files;
     std::vector<std::string> m_dumps;
+};
+
+/// A store of format 1, and what it holds when it has been migrated.
+class OLD_STORE : public STORE_FOLDER {
+public:
+    OLD_STORE() {
+        int const count = campaign_size(4, 3000);
+        int const array_size = campaign_size(7, 30000); // of many chunks
+        {
+            FORMAT_1_WRITER writer(path());
+            writer.run("BEGIN");
+            writer.add_class(0xd16780d1);
+            for (int i = 0; i < count; ++i)
+                writer.put("delay/" + std::to_string(i),
+                           {static_cast<CELL>(100 + i), BIG_TIME::UNIT_PS});
+            std::vector<std::vector<CELL>> elements;
+            for (int i = 0; i < array_size; ++i)
+                elements.push_back({static_cast<CELL>(1 + i), BIG_TIME::UNIT_PS});
+            writer.put_array("arrivals", elements);
+            writer.add_class(0xa7a44bef);
+            writer.put("duty", {1, 3, std::bit_cast<CELL>(1.0 / 3)});
+            writer.run("COMMIT");
+        }
+        m_content = content_of(path());
+
+        TEMPORARY_FOLDER const folder;
+        PDB_STORE store(folder.path("same.store"));
+        put_times(store, "delay/", count, 100);
+        put_array(store, "arrivals", array_size, 1);
+        store.put("duty", BIG_FRACTION(1, 3));
+        m_migrated = dump_of(store);
+    }
+
+    std::string const& content() const { return m_content; }
+    DISK disk() const { return {{path(), m_content}}; }
+    /// The dump of a store of the present format that was given the same.
+    std::string const& migrated() const { return m_migrated; }
+
+private:
+    std::string m_content;
+    std::string m_migrated;
 };
 
 PDB_STORE_OPTIONS on_faulty_files() {
@@ -137,7 +187,7 @@ TEST_P(PdbStoreFaults, AFailedSaveIsReportedAndTheOldContentStays) {
         int failures = 0;
         for (int number = 1;; ++number) {
             SCOPED_TRACE("save " + std::to_string(save) + ", call " + std::to_string(number));
-            history.restore(save);
+            history.restore(history.disk(save));
             files.fail(failing.call, number, failing.fault, failing.is_last);
             bool has_reported = false;
             try {
@@ -182,7 +232,10 @@ TEST_P(PdbStoreFaults, AFailedSaveIsReportedAndTheOldContentStays) {
     }
 }
 
-TEST_P(PdbStoreFaults, AStoreIsMadeWholeOrNotAtAll) {
+/// Where a file takes its place under another name, that may fail, too.
+class PdbStoreNewFileFaults : public testing::TestWithParam<FAILING_CALL> {};
+
+TEST_P(PdbStoreNewFileFaults, AStoreIsMadeWholeOrNotAtAll) {
     FAILING_CALL const& failing = GetParam();
     TEMPORARY_FOLDER const folder;
     std::string const path = folder.path("values.store");
@@ -213,26 +266,80 @@ TEST_P(PdbStoreFaults, AStoreIsMadeWholeOrNotAtAll) {
     EXPECT_TRUE(failures > 0 || failing.call == FILE_CALL::TRUNCATE); // there is none
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    EveryCall, PdbStoreFaults,
-    testing::Values(
-        FAILING_CALL{"OpenOnce", FILE_CALL::OPEN, FILE_FAULT::ERROR, false},
-        FAILING_CALL{"OpenAndAllLater", FILE_CALL::OPEN, FILE_FAULT::ERROR, true},
-        FAILING_CALL{"WriteOnce", FILE_CALL::WRITE, FILE_FAULT::ERROR, false},
-        FAILING_CALL{"WriteAndAllLater", FILE_CALL::WRITE, FILE_FAULT::ERROR, true},
-        FAILING_CALL{"DiskFullOnce", FILE_CALL::WRITE, FILE_FAULT::DISK_FULL, false},
-        FAILING_CALL{"DiskFullAndAllLater", FILE_CALL::WRITE, FILE_FAULT::DISK_FULL, true},
-        FAILING_CALL{"ShortWriteOnce", FILE_CALL::WRITE, FILE_FAULT::SHORT_WRITE, false},
-        FAILING_CALL{"ShortWriteAndAllLater", FILE_CALL::WRITE, FILE_FAULT::SHORT_WRITE, true},
-        FAILING_CALL{"SyncOnce", FILE_CALL::SYNC, FILE_FAULT::ERROR, false},
-        FAILING_CALL{"SyncAndAllLater", FILE_CALL::SYNC, FILE_FAULT::ERROR, true},
-        FAILING_CALL{"SyncTooLate", FILE_CALL::SYNC, FILE_FAULT::TOO_LATE, true},
-        FAILING_CALL{"TruncateOnce", FILE_CALL::TRUNCATE, FILE_FAULT::ERROR, false},
-        FAILING_CALL{"TruncateAndAllLater", FILE_CALL::TRUNCATE, FILE_FAULT::ERROR, true},
-        FAILING_CALL{"RemoveOnce", FILE_CALL::REMOVE, FILE_FAULT::ERROR, false},
-        FAILING_CALL{"RemoveAndAllLater", FILE_CALL::REMOVE, FILE_FAULT::ERROR, true},
-        FAILING_CALL{"RemoveTooLate", FILE_CALL::REMOVE, FILE_FAULT::TOO_LATE, true}),
-    [](auto const& call) { return std::string(call.param.name); });
+TEST_P(PdbStoreNewFileFaults, AnOlderFormatIsMigratedWholeOrNotAtAll) {
+    FAILING_CALL const& failing = GetParam();
+    OLD_STORE const old;
+    FAULTY_FILES files;
+    int failures = 0;
+    for (int number = 1;; ++number) {
+        SCOPED_TRACE("call " + std::to_string(number));
+        old.restore(old.disk());
+        files.record();
+        files.fail(failing.call, number, failing.fault, failing.is_last);
+        bool has_reported = false;
+        try {
+            PDB_STORE store(old.path(), on_faulty_files());
+        } catch (PDB_STORE_ERROR const& error) {
+            has_reported = true;
+            EXPECT_EQ(error.kind(), PDB_STORE_ERROR::SYSTEM) << error.what();
+        }
+        bool const has_failed = files.repair();
+        auto const record = files.recorded();
+        bool const has_moved = std::any_of(record.begin(), record.end(), [](FILE_STEP const& step) {
+            return step.call == FILE_CALL::RENAME;
+        });
+        for (auto const& entry : std::filesystem::directory_iterator(old.folder()))
+            EXPECT_EQ(entry.path(), old.path()) << "is left behind";
+        EXPECT_TRUE(has_reported || has_moved);
+        EXPECT_EQ(content_of(old.path()) == old.content(), !has_moved);
+        EXPECT_EQ(checked_dump_of(old.path()), old.migrated());
+        EXPECT_EQ(checked_dump_of(old.path()), old.migrated()) << "the second time";
+        failures += has_reported ? 1 : 0;
+        if (!has_failed || HasFailure()) {
+            EXPECT_FALSE(has_reported && !has_failed);
+            break;
+        }
+    }
+    EXPECT_TRUE(failures > 0 || failing.call == FILE_CALL::TRUNCATE); // there is none
+}
+
+constexpr FAILING_CALL FAILING_CALLS[] = {
+    {"OpenOnce", FILE_CALL::OPEN, FILE_FAULT::ERROR, false},
+    {"OpenAndAllLater", FILE_CALL::OPEN, FILE_FAULT::ERROR, true},
+    {"WriteOnce", FILE_CALL::WRITE, FILE_FAULT::ERROR, false},
+    {"WriteAndAllLater", FILE_CALL::WRITE, FILE_FAULT::ERROR, true},
+    {"DiskFullOnce", FILE_CALL::WRITE, FILE_FAULT::DISK_FULL, false},
+    {"DiskFullAndAllLater", FILE_CALL::WRITE, FILE_FAULT::DISK_FULL, true},
+    {"ShortWriteOnce", FILE_CALL::WRITE, FILE_FAULT::SHORT_WRITE, false},
+    {"ShortWriteAndAllLater", FILE_CALL::WRITE, FILE_FAULT::SHORT_WRITE, true},
+    {"SyncOnce", FILE_CALL::SYNC, FILE_FAULT::ERROR, false},
+    {"SyncAndAllLater", FILE_CALL::SYNC, FILE_FAULT::ERROR, true},
+    {"SyncTooLate", FILE_CALL::SYNC, FILE_FAULT::TOO_LATE, true},
+    {"TruncateOnce", FILE_CALL::TRUNCATE, FILE_FAULT::ERROR, false},
+    {"TruncateAndAllLater", FILE_CALL::TRUNCATE, FILE_FAULT::ERROR, true},
+    {"RemoveOnce", FILE_CALL::REMOVE, FILE_FAULT::ERROR, false},
+    {"RemoveAndAllLater", FILE_CALL::REMOVE, FILE_FAULT::ERROR, true},
+    {"RemoveTooLate", FILE_CALL::REMOVE, FILE_FAULT::TOO_LATE, true},
+};
+
+constexpr FAILING_CALL FAILING_RENAMES[] = {
+    {"RenameOnce", FILE_CALL::RENAME, FILE_FAULT::ERROR, false},
+    {"RenameAndAllLater", FILE_CALL::RENAME, FILE_FAULT::ERROR, true},
+    {"RenameTooLate", FILE_CALL::RENAME, FILE_FAULT::TOO_LATE, true},
+    {"SyncFolderOnce", FILE_CALL::SYNC_FOLDER, FILE_FAULT::ERROR, false},
+    {"SyncFolderAndAllLater", FILE_CALL::SYNC_FOLDER, FILE_FAULT::ERROR, true},
+    {"SyncFolderTooLate", FILE_CALL::SYNC_FOLDER, FILE_FAULT::TOO_LATE, true},
+};
+
+std::string name_of(testing::TestParamInfo<FAILING_CALL> const& call) {
+    return call.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCall, PdbStoreFaults, testing::ValuesIn(FAILING_CALLS), name_of);
+INSTANTIATE_TEST_SUITE_P(EveryCall, PdbStoreNewFileFaults, testing::ValuesIn(FAILING_CALLS),
+                         name_of);
+INSTANTIATE_TEST_SUITE_P(EveryRename, PdbStoreNewFileFaults, testing::ValuesIn(FAILING_RENAMES),
+                         name_of);
 
 // ------------------------------------------------------------------------------------------------
 // Power loss
@@ -241,7 +348,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(PdbStorePowerLoss, SavedContentIsThereAndNoHalfTransactionIs) {
     STORE_WITH_HISTORY const history;
     FAULTY_FILES files;
-    history.restore(0);
+    history.restore(history.disk(0));
     files.record();
     {
         PDB_STORE store(history.path(), on_faulty_files());
@@ -269,10 +376,40 @@ TEST(PdbStorePowerLoss, SavedContentIsThereAndNoHalfTransactionIs) {
     EXPECT_GT(disks, record.size());
 }
 
+TEST(PdbStorePowerLoss, AnOlderFormatIsThereOrMigratedWhole) {
+    OLD_STORE const old;
+    FAULTY_FILES files;
+    old.restore(old.disk());
+    files.record();
+    {
+        PDB_STORE const store(old.path(), on_faulty_files());
+        files.mark(1);
+    }
+    auto const record = files.recorded();
+    std::size_t disks = 0;
+    std::size_t migrated = 0;
+    bool is_open = false;
+    for (std::size_t step = 0; step <= record.size(); ++step) {
+        is_open = is_open || (step > 0 && record[step - 1].mark);
+        for (DISK const& disk : disks_after_power_loss(old.disk(), record, step)) {
+            ASSERT_EQ(disk.count(old.path()), 1U) << "after step " << step;
+            bool const is_migrated = disk.at(old.path()) != old.content();
+            ASSERT_TRUE(is_migrated || !is_open) << "after step " << step;
+            old.restore(disk);
+            ++disks;
+            migrated += is_migrated ? 1 : 0;
+            ASSERT_EQ(checked_dump_of(old.path()), old.migrated()) << "after step " << step;
+        }
+    }
+    std::cout << record.size() << " steps, " << disks << " disks, " << migrated << " migrated\n";
+    EXPECT_GT(disks, record.size());
+    EXPECT_GT(migrated, 0U);
+}
+
 TEST(PdbStorePowerLoss, AChangedByteInWhatTakesTheLastSaveBackIsAnError) {
     STORE_WITH_HISTORY const history;
     FAULTY_FILES files;
-    history.restore(2);
+    history.restore(history.disk(2));
     files.record();
     {
         PDB_STORE store(history.path(), on_faulty_files());

@@ -3,9 +3,13 @@
 #include "passing_vfs.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <random>
 
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 // ------------------------------------------------------------------------------------------------
 // The VFS
@@ -38,6 +42,7 @@ public:
     bool m_has_failed = false;
     bool m_records = false;
     std::vector<FILE_STEP> m_steps;
+    std::optional<FILE_STEP> m_rename; ///< whose folder is not synced yet
 };
 
 namespace {
@@ -60,6 +65,8 @@ int error_of(FILE_CALL call, FILE_FAULT fault) {
     case FILE_CALL::SYNC: return SQLITE_IOERR_FSYNC;
     case FILE_CALL::TRUNCATE: return SQLITE_IOERR_TRUNCATE;
     case FILE_CALL::REMOVE: return SQLITE_IOERR_DELETE;
+    case FILE_CALL::RENAME:
+    case FILE_CALL::SYNC_FOLDER: break; // SQLite does neither
     }
     return SQLITE_IOERR;
 }
@@ -161,7 +168,50 @@ int remove_file(sqlite3_vfs* vfs, char const* name, int sync_folder) {
                    [&] { return pass_on<&sqlite3_vfs::xDelete>(vfs, name, sync_folder); });
 }
 
+// --- What the store does past SQLite ---
+
+STATE* s_state = nullptr; ///< of the object that there is
+
+/// Does a call of the system, or lets it fail with EIO.
+template <typename WORK>
+int attempt_system_call(STATE& state, FILE_STEP step, WORK work) {
+    int const result = attempt(state, std::move(step), work);
+    if (result > 0) // of SQLite
+        errno = EIO;
+    return result == 0 ? 0 : -1;
+}
+
 } // namespace
+
+/// Takes the place of the C library's function, for the store too.
+extern "C" [[gnu::visibility("default")]] int renameat2(int from_folder, char const* from,
+                                                        int to_folder, char const* to,
+                                                        unsigned flags) noexcept {
+    auto const rename = [=] {
+        return static_cast<int>(syscall(SYS_renameat2, from_folder, from, to_folder, to, flags));
+    };
+    if (s_state == nullptr)
+        return rename();
+    FILE_STEP step;
+    step.call = FILE_CALL::RENAME;
+    step.file = from;
+    step.new_name = to;
+    s_state->m_rename = step;
+    return attempt_system_call(*s_state, std::move(step), rename);
+}
+
+/// The same. Only the sync of a folder in which a file was renamed is a call of its own.
+extern "C" [[gnu::visibility("default")]] int fsync(int descriptor) {
+    auto const sync = [=] { return static_cast<int>(syscall(SYS_fsync, descriptor)); };
+    struct stat file;
+    if (s_state == nullptr || !s_state->m_rename || ::fstat(descriptor, &file) != 0
+        || !S_ISDIR(file.st_mode))
+        return sync();
+    FILE_STEP step = std::move(*s_state->m_rename);
+    s_state->m_rename.reset();
+    step.call = FILE_CALL::SYNC_FOLDER;
+    return attempt_system_call(*s_state, std::move(step), sync);
+}
 
 FAULTY_FILES::FAULTY_FILES() : m_state(new STATE) {
     set_base<FAULTY_FILE>(*m_state, sqlite3_vfs_find(nullptr));
@@ -169,9 +219,11 @@ FAULTY_FILES::FAULTY_FILES() : m_state(new STATE) {
     m_state->xOpen = open_file;
     m_state->xDelete = remove_file;
     sqlite3_vfs_register(m_state.get(), 0);
+    s_state = m_state.get();
 }
 
 FAULTY_FILES::~FAULTY_FILES() {
+    s_state = nullptr;
     sqlite3_vfs_unregister(m_state.get());
 }
 
@@ -182,6 +234,7 @@ void FAULTY_FILES::fail(FILE_CALL call, int number, FILE_FAULT fault, bool is_la
     m_state->m_is_last = is_last;
     m_state->m_is_gone = false;
     m_state->m_has_failed = false;
+    m_state->m_rename.reset();
 }
 
 bool FAULTY_FILES::repair() {
@@ -239,6 +292,14 @@ void take(std::map<std::string, CACHED_FILE>& files, FILE_STEP const& step) {
         file.seen.reset();
         if (step.is_synced)
             file.synced.reset();
+        break;
+    case FILE_CALL::RENAME:
+        files[step.new_name].seen = file.synced;
+        file.seen.reset();
+        break;
+    case FILE_CALL::SYNC_FOLDER:
+        files[step.new_name].synced = files[step.new_name].seen;
+        file.synced.reset();
         break;
     }
 }

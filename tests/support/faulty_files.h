@@ -3,7 +3,7 @@
 
 /// @file
 /// Files that fail when a test says so, and that remember what was done to them: an SQLite VFS over
-/// the system's own.
+/// the system's own, and the calls by which the store itself renames files.
 
 #include <map>
 #include <memory>
@@ -12,7 +12,15 @@
 #include <vector>
 
 /// What a program asks of its files when it changes them.
-enum class FILE_CALL { OPEN, WRITE, SYNC, TRUNCATE, REMOVE };
+enum class FILE_CALL {
+    OPEN,
+    WRITE,
+    SYNC,
+    TRUNCATE,
+    REMOVE,
+    RENAME,
+    SYNC_FOLDER, ///< of the folder in which a file was renamed
+};
 
 /// How a call fails.
 enum class FILE_FAULT {
@@ -29,6 +37,7 @@ struct FILE_STEP {
     long long offset = 0;    ///< of a WRITE
     std::string bytes;       ///< of a WRITE
     long long size = 0;      ///< of a TRUNCATE: what is left
+    std::string new_name;    ///< of a RENAME, and of its SYNC_FOLDER
     bool is_synced = false;  ///< of a REMOVE: it is on the disk when the call returns
     std::optional<int> mark; ///< in place of a call
 };
@@ -72,7 +81,8 @@ using DISK = std::map<std::string, std::string>;
 ///
 /// A file's content is on the disk for certain when the file has been synced. What was written
 /// since then is there or not, for each file apart; of a write that was under way the first sectors
-/// are there, and the next one is noise.
+/// are there, and the next one is noise. A file that was renamed has what was synced of it; the new
+/// name is there for certain when its folder has been synced.
 ///
 /// @param before what the disk held when the record began
 /// @param steps  as many steps of a record as were taken
