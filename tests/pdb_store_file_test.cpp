@@ -11,6 +11,7 @@
 #include "stored_classes.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -27,8 +28,12 @@
 // --- A file system of the test's choice ---
 
 namespace {
+
 unsigned long s_file_system = 0; ///< what statfs() says; 0 for the truth
-}
+int s_rename_error = 0;          ///< what renameat2() fails with when it has flags; 0 for none
+char const* s_rival = nullptr;   ///< the file that takes the new name then, before it fails
+
+} // namespace
 
 /// Takes the place of the C library's function, for the store too.
 extern "C" [[gnu::visibility("default")]] int statfs(char const* path,
@@ -38,6 +43,18 @@ extern "C" [[gnu::visibility("default")]] int statfs(char const* path,
     if (s_file_system != 0)
         out->f_type = static_cast<decltype(out->f_type)>(s_file_system);
     return 0;
+}
+
+/// The same.
+extern "C" [[gnu::visibility("default")]] int renameat2(int from_folder, char const* from,
+                                                        int to_folder, char const* to,
+                                                        unsigned flags) noexcept {
+    if (flags == 0 || s_rename_error == 0)
+        return static_cast<int>(syscall(SYS_renameat2, from_folder, from, to_folder, to, flags));
+    if (s_rival != nullptr)
+        rename(s_rival, to);
+    errno = s_rename_error;
+    return -1;
 }
 
 namespace {
@@ -303,6 +320,44 @@ TEST_F(PdbStoreFile, NetworkFileSystemsAreRefusedUnlessAllowed) {
         EXPECT_NO_THROW(open());
     }
     s_file_system = 0;
+}
+
+class PdbStoreNames : public PdbStoreFile {
+protected:
+    ~PdbStoreNames() override {
+        s_rename_error = 0;
+        s_rival = nullptr;
+    }
+};
+
+TEST_F(PdbStoreNames, AStoreIsMadeWhereTheFileSystemCannotRefuseToReplace) {
+    for (int const error : {EINVAL, ENOSYS, ENOTSUP}) {
+        SCOPED_TRACE(std::strerror(error));
+        s_rename_error = error;
+        std::filesystem::remove(m_path);
+        open().put("a", time_of(5));
+        EXPECT_EQ(files_in(m_folder.path()), NAMES{"values.store"});
+        BIG_TIME time;
+        EXPECT_TRUE(open().get("a", time));
+    }
+}
+
+TEST_F(PdbStoreNames, AStoreThatAnotherProgramMakesMeanwhileIsNotReplacedThere) {
+    TEMPORARY_FOLDER const other_folder;
+    std::string const other = other_folder.path("other.store");
+    PDB_STORE(other).put("a", time_of(5));
+    s_rename_error = EINVAL;
+    s_rival = other.c_str();
+    BIG_TIME time;
+    EXPECT_TRUE(open().get("a", time));
+    EXPECT_EQ(time.get_time_value(), 5);
+    EXPECT_EQ(files_in(m_folder.path()), NAMES{"values.store"});
+}
+
+TEST_F(PdbStoreNames, AnotherErrorOfRenamingIsReported) {
+    s_rename_error = EACCES;
+    EXPECT_STORE_ERROR(open(), SYSTEM, "it cannot be made: Permission denied");
+    EXPECT_EQ(files_in(m_folder.path()), NAMES());
 }
 
 // ------------------------------------------------------------------------------------------------

@@ -104,7 +104,13 @@ int sync_folder_of(std::string const& path) {
 
 int move_file(std::string const& from, std::string const& to, bool may_replace) {
     unsigned const flags = may_replace ? 0 : RENAME_NOREPLACE;
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), flags) != 0)
-        return errno;
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), flags) != 0) {
+        // NFS, some file systems in user space and old kernels do not know the flag. A second name
+        // does not replace another file's either.
+        bool const is_unknown =
+            !may_replace && (errno == EINVAL || errno == ENOSYS || errno == ENOTSUP);
+        if (!is_unknown || ::link(from.c_str(), to.c_str()) != 0 || ::unlink(from.c_str()) != 0)
+            return errno;
+    }
     return sync_folder_of(to);
 }

@@ -11,7 +11,8 @@
 std::string network_file_system(std::string const& path);
 
 /// Gives a file another name in one step. Nothing happens when the name is taken, unless it may be
-/// replaced. The step is on the disk when the call returns.
+/// replaced. The step is on the disk when the call returns. Where the file system cannot refuse to
+/// replace a name, the file has both names for a moment.
 ///
 /// @return the system's error number, EEXIST for a name that is taken; 0 when it is done
 int move_file(std::string const& from, std::string const& to, bool may_replace);
