@@ -21,10 +21,43 @@
 #include <utility>
 #include <vector>
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <libpq-fe.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+// --- A libpq that does not take rows ---
+
+namespace {
+/// The call for COPY that fails next.
+enum COPY_CALL { NO_CALL, COPY_DATA, COPY_END } s_failing_call = NO_CALL;
+
+/// Fails as libpq does: nothing is done, and the connection has a message.
+int refuse_rows(PGconn* connection) {
+    s_failing_call = NO_CALL;
+    PQsendQuery(connection, "SELECT 1"); // which a COPY is in the way of
+    return -1;
+}
+} // namespace
+
+/// Take the place of libpq's functions, for the store too.
+extern "C" [[gnu::visibility("default")]] int PQputCopyData(PGconn* connection, char const* bytes,
+                                                            int size) {
+    if (s_failing_call == COPY_DATA)
+        return refuse_rows(connection);
+    static auto const original =
+        reinterpret_cast<decltype(&PQputCopyData)>(dlsym(RTLD_NEXT, "PQputCopyData"));
+    return original(connection, bytes, size);
+}
+
+extern "C" [[gnu::visibility("default")]] int PQputCopyEnd(PGconn* connection, char const* error) {
+    if (s_failing_call == COPY_END)
+        return refuse_rows(connection);
+    static auto const original =
+        reinterpret_cast<decltype(&PQputCopyEnd)>(dlsym(RTLD_NEXT, "PQputCopyEnd"));
+    return original(connection, error);
+}
 
 namespace {
 
@@ -453,6 +486,30 @@ TEST_F(PdbStorePostgres, ADumpThatIsInterruptedIsNotBegunAgain) {
     });
     EXPECT_EQ(failure.kind, KIND::CONFLICT) << failure.text;
     EXPECT_LT(lines, 1500);
+}
+
+TEST_F(PdbStorePostgres, RowsThatLibpqDoesNotTakeAreAnError) {
+    for (COPY_CALL const call : {COPY_DATA, COPY_END}) {
+        SCOPED_TRACE(call == COPY_DATA ? "PQputCopyData" : "PQputCopyEnd");
+        PDB_STORE store(address());
+        store.put("name", picoseconds(1));
+        s_failing_call = call;
+        FAILURE const failure = failure_of([&] {
+            bool is_left = true;
+            store.put_each<BIG_TIME>([&](std::string& name, BIG_TIME& time) {
+                name = "name";
+                time = picoseconds(2);
+                return std::exchange(is_left, false);
+            });
+        });
+        EXPECT_EQ(failure.kind, KIND::SYSTEM);
+        EXPECT_EQ(failure.text,
+                  "store " + shown(address()) + ": another command is already in progress");
+        BIG_TIME time;
+        EXPECT_EQ(failure_of([&] { store.get("name", time); }).kind, KIND::FAILED);
+        EXPECT_TRUE(PDB_STORE(address()).get("name", time));
+        EXPECT_EQ(time.get_time_value(), 1);
+    }
 }
 
 TEST_F(PdbStorePostgres, ATransactionWhoseCommitHasNoAnswerIsAppliedOnce) {

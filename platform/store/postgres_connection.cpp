@@ -329,9 +329,12 @@ ROWS POSTGRES_CONNECTION::run(std::string const& statement, FIELDS const& parame
 
 void POSTGRES_CONNECTION::copy(std::string const& statement, std::string_view data) {
     run(statement);
+    // What libpq could not take is no end of the COPY, so there is no result to wait for. The next
+    // statement, which takes the transaction back, ends it.
+    if (PQputCopyData(m_connection.get(), data.data(), static_cast<int>(data.size())) != 1
+        || PQputCopyEnd(m_connection.get(), nullptr) != 1)
+        fail(nullptr);
     // Only the end says whether it went well.
-    if (PQputCopyData(m_connection.get(), data.data(), static_cast<int>(data.size())) == 1)
-        PQputCopyEnd(m_connection.get(), nullptr);
     checked(PQgetResult(m_connection.get()));
     while (PGresult* const rest = PQgetResult(m_connection.get()))
         checked(rest);

@@ -133,6 +133,7 @@ private:
     std::string connect();
     void set_up();
     ROWS checked(PGresult* result);
+    /// @param result null where libpq failed without one
     [[noreturn]] void fail(PGresult const* result);
 
     std::string m_address;
