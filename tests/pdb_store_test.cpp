@@ -945,6 +945,62 @@ TEST_P(PdbStore, AClassWithOtherMembersIsRefusedUntouched) {
     EXPECT_TRUE(store.get("value", value)); // the same members under another C++ name
 }
 
+/// A class of one member.
+struct B {
+    int m_number = 0;
+
+    bool operator<<(STORE_SEGMENT& segment) {
+        segment.begin_object(nullptr, this);
+        transfer(segment, "m_number", m_number);
+        return segment.end_object();
+    }
+};
+
+// The view of each of these has the name of a table of class B with id 2.
+struct B_00000002 : B {};
+struct B_00000002_array : B {};
+struct B_00000002_chunk : B {};
+struct b_00000002 : B {}; // to SQLite the same
+
+template <typename OTHER>
+void expect_to_store_beside(std::string const& address) {
+    SCOPED_TRACE(typeid(OTHER).name());
+    TEST_RECORD<OTHER> const other_record(5);
+    TEST_RECORD<B> const record(2);
+    PDB_STORE store(address);
+    OTHER other[2];
+    other[1].m_number = 7;
+    store.put("other", other[1]);
+    store.put_array("others", other, 2);
+    B b[2];
+    b[1].m_number = 8;
+    store.put("b", b[1]);
+    store.put_array("bs", b, 2);
+
+    EXPECT_TRUE(store.check([](std::string const& problem) { ADD_FAILURE() << problem; }));
+    std::vector<OTHER> others;
+    EXPECT_TRUE(store.get("other", other[0]));
+    EXPECT_TRUE(store.get_array("others", others));
+    EXPECT_EQ(other[0].m_number, 7);
+    ASSERT_EQ(others.size(), 2u);
+    EXPECT_EQ(others[1].m_number, 7);
+    std::vector<B> bs;
+    EXPECT_TRUE(store.get("b", b[0]));
+    EXPECT_TRUE(store.get_array("bs", bs));
+    EXPECT_EQ(b[0].m_number, 8);
+    ASSERT_EQ(bs.size(), 2u);
+    EXPECT_EQ(bs[1].m_number, 8);
+}
+
+TEST_P(PdbStore, AViewYieldsItsNameToATable) {
+    for (auto const& expect :
+         {expect_to_store_beside<B_00000002>, expect_to_store_beside<B_00000002_array>,
+          expect_to_store_beside<B_00000002_chunk>, expect_to_store_beside<b_00000002>}) {
+        auto const place = GetParam().make_place();
+        expect(place->address());
+    }
+}
+
 TEST_P(PdbStore, AClassThatTheProgramDoesNotKnowIsKept) {
     {
         TEST_RECORD<VERSION_1> const record(0x7e570011);

@@ -139,6 +139,8 @@ private:
     void read_directory();
     std::string view_of_values(STORED_CLASS const& stored) const;
     std::string view_of_elements(STORED_CLASS const& stored) const;
+    std::string kind_of_relation(std::string const& name);
+    void yield_name(std::string const& table);
     void create_view(std::string const& name, std::string const& query);
     void check_index(std::string const& table, std::string const& column,
                      std::function<void(std::string const&)> const& problem);
@@ -710,6 +712,8 @@ void POSTGRES_ENGINE::add_class(STORED_CLASS const& stored) {
     std::string columns;
     for (COLUMN const& column : value_columns(stored))
         columns += (columns.empty() ? "" : ", ") + column.name + ' ' + column.type + " NOT NULL";
+    for (char const* const table : {"", "_array", "_chunk"})
+        yield_name(stored.table + table);
     m_connection.run(
         "CREATE TABLE " + in_schema(stored.table) + " (" + columns
         + ", PRIMARY KEY (name)); CREATE TABLE " + in_schema(stored.table + "_array")
@@ -727,13 +731,26 @@ void POSTGRES_ENGINE::add_class(STORED_CLASS const& stored) {
     ++m_directory_version;
 }
 
+/// What a name in the schema stands for, as the server has it: "r" for a table, "v" for a view;
+/// empty when the name is free.
+std::string POSTGRES_ENGINE::kind_of_relation(std::string const& name) {
+    ROWS const rows = m_connection.run(
+        "SELECT relkind FROM pg_catalog.pg_class JOIN pg_catalog.pg_namespace n ON n.oid = "
+        "relnamespace WHERE nspname = $1::text AND relname = $2::text",
+        FIELDS(m_schema).add(name));
+    return rows.size() == 0 ? "" : rows.text(0, 0);
+}
+
+/// Frees the name of a table that the view of another class has, as class B_00000002 has that of
+/// the table of class B with id 2.
+void POSTGRES_ENGINE::yield_name(std::string const& table) {
+    if (kind_of_relation(table) == "v")
+        m_connection.run("DROP VIEW " + in_schema(table));
+}
+
 /// Makes a view for people, when the name is free.
 void POSTGRES_ENGINE::create_view(std::string const& name, std::string const& query) {
-    ROWS const taken = m_connection.run(
-        "SELECT 1 FROM pg_catalog.pg_class JOIN pg_catalog.pg_namespace n ON n.oid = relnamespace "
-        "WHERE nspname = $1::text AND relname = $2::text",
-        FIELDS(m_schema).add(name));
-    if (taken.size() == 0)
+    if (kind_of_relation(name).empty())
         m_connection.run("CREATE VIEW " + in_schema(name) + " AS " + query);
 }
 

@@ -37,10 +37,14 @@ char const* const CREATE_DIRECTORY = "CREATE TABLE big_class ("
                                      "members TEXT NOT NULL, "
                                      "checksum INTEGER NOT NULL)";
 
-/// The tables of a class: values, arrays, and the elements of arrays in chunks.
+/// The tables of a class: values, arrays, and the elements of arrays in chunks. The view of another
+/// class may have such a name, as class B_00000002 has the table of class B with id 2, and yields
+/// it.
 std::string create_tables(STORED_CLASS const& stored) {
-    std::string text =
-        "CREATE TABLE " + in_quotes(stored.table) + " (name BLOB PRIMARY KEY NOT NULL, ";
+    std::string text;
+    for (char const* const table : {"", "_array", "_chunk"})
+        text += "DROP VIEW IF EXISTS " + in_quotes(stored.table + table) + ';';
+    text += "CREATE TABLE " + in_quotes(stored.table) + " (name BLOB PRIMARY KEY NOT NULL, ";
     for (STORED_MEMBER const& member : stored.members) {
         bool const is_double = member.type == MEMBER_TYPE::DOUBLE;
         text += in_quotes(member.column) + (is_double ? " BLOB" : " INTEGER") + " NOT NULL, ";
@@ -59,7 +63,7 @@ std::string create_tables(STORED_CLASS const& stored) {
 }
 
 /// The view of a class's values: names as text, doubles as numbers. It is for people, and is only
-/// made when the name is free.
+/// there while no table has its name.
 std::string create_view(STORED_CLASS const& stored) {
     std::string text = "CREATE VIEW IF NOT EXISTS " + in_quotes(view_name(stored))
                        + " AS SELECT CAST(name AS TEXT) AS name";
