@@ -2,6 +2,8 @@
 
 #include "record.h"
 
+#include "store_text.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -67,14 +69,6 @@ constexpr std::string_view OWN_COLUMNS[] = {"name", "checksum", "array_id", "ele
 
 bool is_identifier_character(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
-}
-
-std::string in_lower_case(std::string_view name) {
-    std::string text(name);
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return text;
 }
 
 /// A name as an identifier, without regard to whether it is taken. What begins with "sqlite_" is
