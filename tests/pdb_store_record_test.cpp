@@ -4,6 +4,7 @@
 
 #include "big_fraction_sys.h"
 #include "big_sys.h"
+#include "store_text.h"
 #include "stored_classes.h"
 
 #include <climits>

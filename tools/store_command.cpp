@@ -10,6 +10,7 @@
 #include "big_fraction_sys.h"
 #include "big_sys.h"
 #include "pdb_store_sys.h"
+#include "store_text.h"
 
 #include <charconv>
 #include <chrono>
@@ -330,22 +331,7 @@ std::string listed_name(std::string const& name) {
     for (char const c : name) {
         is_plain = is_plain && c >= 0x20 && c <= 0x7e;
     }
-    if (is_plain) {
-        return name;
-    }
-    std::string text = "\"";
-    for (char const c : name) {
-        auto const byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte > 0x7e) {
-            text += "\\x";
-            text += "0123456789ABCDEF"[byte >> 4];
-            text += "0123456789ABCDEF"[byte & 15];
-        } else {
-            text += c == '"' || c == '\\' ? "\\" : "";
-            text += c;
-        }
-    }
-    return text + '"';
+    return is_plain ? name : quoted_bytes(name);
 }
 
 EXIT_STATUS run_list(STORE_RUN const& run) {

@@ -12,6 +12,7 @@
 
 #include "mem_sys.h"
 #include "store_state.h"
+#include "store_text.h"
 
 #include <algorithm>
 #include <charconv>

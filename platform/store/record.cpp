@@ -296,64 +296,6 @@ std::string difference(STORED_CLASS const& there, STORED_CLASS const& here, std:
 // Text
 // ------------------------------------------------------------------------------------------------
 
-std::string quoted_bytes(std::string_view bytes) {
-    std::string text = "\"";
-    for (char const c : bytes) {
-        auto const byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte > 0x7e) {
-            text += "\\x";
-            text += "0123456789ABCDEF"[byte >> 4];
-            text += "0123456789ABCDEF"[byte & 15];
-            continue;
-        }
-        if (c == '"' || c == '\\')
-            text += '\\';
-        text += c;
-    }
-    return text += '"';
-}
-
-namespace {
-
-/// The value of a digit as quoted_bytes() writes it; 16 for any other character.
-unsigned digit(char c) {
-    return c >= '0' && c <= '9'   ? static_cast<unsigned>(c - '0')
-           : c >= 'A' && c <= 'F' ? static_cast<unsigned>(c - 'A' + 10)
-                                  : 16;
-}
-
-} // namespace
-
-bool take_quoted(std::string_view& text, std::string& bytes) {
-    bytes.clear();
-    if (text.empty() || text[0] != '"')
-        return false;
-    for (std::size_t i = 1; i < text.size(); ++i) {
-        char const c = text[i];
-        if (c == '"') {
-            text.remove_prefix(i + 1);
-            return true;
-        }
-        if (c < 0x20 || c > 0x7e)
-            return false;
-        if (c != '\\') {
-            bytes += c;
-            continue;
-        }
-        char const escaped = ++i < text.size() ? text[i] : '\0';
-        if (escaped == '"' || escaped == '\\') {
-            bytes += escaped;
-            continue;
-        }
-        if (escaped != 'x' || i + 2 >= text.size() || digit(text[i + 1]) > 15
-            || digit(text[i + 2]) > 15)
-            return false;
-        bytes += static_cast<char>(16 * digit(text[i + 1]) + digit(text[i + 2]));
-        i += 2;
-    }
-    return false;
-}
-
 std::string shown(std::string_view name) {
     constexpr std::size_t LONGEST = 100;
     std::string text = quoted_bytes(name.substr(0, LONGEST));

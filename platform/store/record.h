@@ -73,12 +73,6 @@ std::string members_text(STORED_CLASS const& stored);
 /// The inverse, for texts of members_text() alone. Returns false for any other.
 bool read_members(std::string_view text, std::vector<STORED_MEMBER>& members);
 
-/// Bytes between quotation marks, as ASCII: what is not printable is written as \x1B, a quotation
-/// mark as \" and a backslash as \\.
-std::string quoted_bytes(std::string_view bytes);
-/// Takes a text of quoted_bytes() from the front of another. Returns false, and takes nothing, when
-/// there is none.
-bool take_quoted(std::string_view& text, std::string& bytes);
 /// A name for a message: quoted_bytes(), cut at 100 bytes.
 std::string shown(std::string_view name);
 
