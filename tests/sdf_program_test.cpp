@@ -399,7 +399,9 @@ TEST(SdfProgram, WrongCommandLineIsRefused) {
     };
     for (ROW const& row : rows) {
         RUN const run = run_shell(std::string("sdfpaths ") + row.arguments);
-        EXPECT_EQ(run.err.substr(0, run.err.find('\n')), row.message) << row.arguments;
+        EXPECT_EQ(run.err, "sdfpaths: " + std::string(row.message)
+                               + "\nRun with --help for more information.\n")
+            << row.arguments;
         EXPECT_EQ(run.status, 2) << row.arguments;
     }
 }

@@ -317,6 +317,9 @@ int main(int argc, char** argv) {
     OPTIONS options;
     CLI::App app(DESCRIPTION, "vcdshow");
     app.footer(FOOTER);
+    app.failure_message([](CLI::App const* program, CLI::Error const& error) {
+        return program->get_name() + ": " + CLI::FailureMessage::simple(program, error);
+    });
     try {
         read_command_line(app, options, argc, argv);
     } catch (CLI::ParseError const& error) {
