@@ -195,7 +195,7 @@ TEST_F(BigFrequency, IsMultipliedAndDividedInDouble) {
 TEST_F(BigFrequency, EveryPeriodComesBack) {
     constexpr unsigned int seed = 20601;
     TIME_SAMPLES samples(seed);
-    for (int i = 0; i < cases(400000); ++i) {
+    for (int i = 0; i < cases(1000000, 40000); ++i) {
         int const period = static_cast<int>(samples.count());
         if (period == 0 || period == -2147483647)
             continue;
@@ -217,7 +217,7 @@ TEST_F(BigFrequency, EveryPeriodComesBack) {
 TEST_F(BigFrequency, ScalesAsDoublesDo) {
     constexpr unsigned int seed = 20602;
     TIME_SAMPLES samples(seed);
-    for (int i = 0; i < cases(400000); ++i) {
+    for (int i = 0; i < cases(1000000, 40000); ++i) {
         BIG_FREQUENCY const frequency(static_cast<int>(samples.count()));
         double const hertz = frequency.get_value();
         long long const number = samples.count();
