@@ -122,8 +122,8 @@ private:
 class OLD_STORE : public STORE_FOLDER {
 public:
     OLD_STORE() {
-        int const count = campaign_size(4, 300);
-        int const array_size = campaign_size(7, 5000); // of many chunks
+        int const count = campaign_size(4, 3000);
+        int const array_size = campaign_size(7, 30000); // of many chunks
         {
             FORMAT_1_WRITER writer(path());
             writer.run("BEGIN");

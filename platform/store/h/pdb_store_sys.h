@@ -133,8 +133,8 @@ public:
 
     /// Opens a store, and makes it when there is none and the options say so.
     ///
-    /// @param address the path of a file, or `postgresql://...` or `postgres://...`, in either letter
-    ///                case, for a server
+    /// @param address the path of a file, or of a server `postgresql://...` or `postgres://...`, in
+    ///                either letter case
     ///
     /// A store of an older format is brought to the present one unless it is opened for reading: on
     /// a copy, which is checked and then takes the place of the original. Throws BAD_ADDRESS,
