@@ -962,34 +962,36 @@ struct B_00000002_array : B {};
 struct B_00000002_chunk : B {};
 struct b_00000002 : B {}; // to SQLite the same
 
+template <typename T>
+void put_value_and_array(PDB_STORE& store, std::string const& name, int number) {
+    T values[2];
+    values[1].m_number = number;
+    store.put(name, values[1]);
+    store.put_array(name + "s", values, 2);
+}
+
+template <typename T>
+void expect_value_and_array(PDB_STORE& store, std::string const& name, int number) {
+    T value;
+    EXPECT_TRUE(store.get(name, value));
+    EXPECT_EQ(value.m_number, number);
+    std::vector<T> values;
+    EXPECT_TRUE(store.get_array(name + "s", values));
+    ASSERT_EQ(values.size(), 2u);
+    EXPECT_EQ(values[1].m_number, number);
+}
+
 template <typename OTHER>
 void expect_to_store_beside(std::string const& address) {
     SCOPED_TRACE(typeid(OTHER).name());
     TEST_RECORD<OTHER> const other_record(5);
     TEST_RECORD<B> const record(2);
     PDB_STORE store(address);
-    OTHER other[2];
-    other[1].m_number = 7;
-    store.put("other", other[1]);
-    store.put_array("others", other, 2);
-    B b[2];
-    b[1].m_number = 8;
-    store.put("b", b[1]);
-    store.put_array("bs", b, 2);
-
+    put_value_and_array<OTHER>(store, "other", 7);
+    put_value_and_array<B>(store, "b", 8);
     EXPECT_TRUE(store.check([](std::string const& problem) { ADD_FAILURE() << problem; }));
-    std::vector<OTHER> others;
-    EXPECT_TRUE(store.get("other", other[0]));
-    EXPECT_TRUE(store.get_array("others", others));
-    EXPECT_EQ(other[0].m_number, 7);
-    ASSERT_EQ(others.size(), 2u);
-    EXPECT_EQ(others[1].m_number, 7);
-    std::vector<B> bs;
-    EXPECT_TRUE(store.get("b", b[0]));
-    EXPECT_TRUE(store.get_array("bs", bs));
-    EXPECT_EQ(b[0].m_number, 8);
-    ASSERT_EQ(bs.size(), 2u);
-    EXPECT_EQ(bs[1].m_number, 8);
+    expect_value_and_array<OTHER>(store, "other", 7);
+    expect_value_and_array<B>(store, "b", 8);
 }
 
 TEST_P(PdbStore, AViewYieldsItsNameToATable) {
