@@ -70,22 +70,29 @@ CUTTING_FORWARDER::~CUTTING_FORWARDER() {
 
 void CUTTING_FORWARDER::cut(CUT cut, std::string words, int connections) {
     std::lock_guard const lock(m_mutex);
-    m_cut = cut;
-    m_words = std::move(words);
-    m_cuts_left = connections;
+    m_orders.push_back({cut, std::move(words), connections});
+}
+
+void CUTTING_FORWARDER::cut_no_more() {
+    std::lock_guard const lock(m_mutex);
+    m_orders.clear();
 }
 
 int CUTTING_FORWARDER::cuts_left() {
     std::lock_guard const lock(m_mutex);
-    return m_cuts_left;
+    int connections = 0;
+    for (ORDER const& order : m_orders)
+        connections += order.connections;
+    return connections;
 }
 
 bool CUTTING_FORWARDER::is_cut_by(std::string const& bytes, CUT& cut) {
     std::lock_guard const lock(m_mutex);
-    if (m_cuts_left == 0 || bytes.find(m_words) == std::string::npos)
+    if (m_orders.empty() || bytes.find(m_orders.front().words) == std::string::npos)
         return false;
-    --m_cuts_left;
-    cut = m_cut;
+    cut = m_orders.front().cut;
+    if (--m_orders.front().connections == 0)
+        m_orders.pop_front();
     return true;
 }
 

@@ -6,6 +6,7 @@
 /// statement.
 
 #include <atomic>
+#include <deque>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -29,8 +30,11 @@ public:
     /// Where clients connect.
     unsigned short port() const { return m_port; }
 
-    /// Cuts the next connections, one after the other, over which the words are said.
+    /// Cuts the next connections, one after the other, over which the words are said. An order
+    /// waits until those before it are done.
     void cut(CUT cut, std::string words, int connections = 1);
+    /// Forgets the orders that are left.
+    void cut_no_more();
     /// How many connections are still to be cut.
     int cuts_left();
     /// Refuses all connections from the next cut on.
@@ -39,7 +43,7 @@ public:
 private:
     void accept_clients();
     void forward(int client);
-    /// Takes the order to cut, when bytes of a client hold its words.
+    /// Takes the first order to cut, when bytes of a client hold its words.
     bool is_cut_by(std::string const& bytes, CUT& cut);
 
     unsigned short const m_server_port;
@@ -48,10 +52,13 @@ private:
     std::atomic<bool> m_ends{false};
     std::atomic<bool> m_refuses_behind_cut{false};
     std::atomic<bool> m_refuses{false};
-    std::mutex m_mutex; ///< of the order
-    CUT m_cut = BEFORE;
-    std::string m_words;
-    int m_cuts_left = 0;
+    struct ORDER {
+        CUT cut;
+        std::string words;
+        int connections; ///< still to be cut, one at least
+    };
+    std::mutex m_mutex; ///< of the orders
+    std::deque<ORDER> m_orders;
     std::thread m_thread; ///< accepts; it alone adds to m_clients
     std::vector<std::thread> m_clients;
 };
