@@ -46,16 +46,17 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) {
     return allocate("new[]", size);
 }
-void operator delete(void* block) noexcept {
+// Where g++ puts these in place of their calls, it takes free() for a mistake.
+[[gnu::noinline]] void operator delete(void* block) noexcept {
     std::free(block);
 }
-void operator delete[](void* block) noexcept {
+[[gnu::noinline]] void operator delete[](void* block) noexcept {
     std::free(block);
 }
-void operator delete(void* block, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
     std::free(block);
 }
-void operator delete[](void* block, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete[](void* block, std::size_t) noexcept {
     std::free(block);
 }
 
