@@ -8,6 +8,7 @@
 /// the lowest byte, as a text lies in memory. A word is computed without a loop, and nearly every
 /// number without a branch on its length: numbers of mixed lengths cost as little as equal ones.
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -80,30 +81,19 @@ inline void big_store_eight_digits(char* to, unsigned long long digits) {
 // Sixteen digits
 // ------------------------------------------------------------------------------------------------
 
-/// Sixteen characters as they lie in memory, the first in the lowest byte.
+/// Sixteen digits, most significant first.
 struct BIG_SIXTEEN_DIGITS {
-    __extension__ using BYTES = unsigned __int128;
+    unsigned long long m_upper; ///< the first eight
+    unsigned long long m_lower; ///< the last eight
 
-    BYTES m_bytes;
-
-    /// Moves the first characters out, at most 15 of them. Behind the last come zero bytes.
-    void drop_zeros(std::size_t count) { m_bytes >>= 8 * count; }
-    /// Turns the first character, a zero, into a minus sign if the condition holds: without a
-    /// branch, since signs come in no order.
-    void put_minus_if(bool condition) { m_bytes ^= BYTES{condition} * ('0' ^ '-'); }
-
-    /// Writes all sixteen bytes.
+    /// Writes them as text.
     void store(char* to) const {
-        BYTES text = m_bytes;
-        if constexpr (std::endian::native == std::endian::big)
-            text = static_cast<BYTES>(__builtin_bswap64(static_cast<unsigned long long>(text)))
-                       << 64
-                   | __builtin_bswap64(static_cast<unsigned long long>(text >> 64));
-        std::memcpy(to, &text, sizeof text);
+        big_store_eight_digits(to, m_upper);
+        big_store_eight_digits(to + 8, m_lower);
     }
 };
 
-/// The digits, as text, of two numbers below 10^8, one after the other.
+/// The digits of two numbers below 10^8, one after the other.
 ///
 /// Where there are vectors of 16 bytes, both go down the ladder above side by side (W. Mula, "SSE:
 /// conversion integers to decimal representation", 2011). The reciprocals are wider than there,
@@ -114,9 +104,6 @@ struct BIG_SIXTEEN_DIGITS {
 ///     4 of 32 bits   below 10^4      100:    x 5243 / 2^19
 ///     8 of 16 bits   below 100       10:     x 6554 / 2^16
 inline BIG_SIXTEEN_DIGITS big_sixteen_digits(unsigned int upper, unsigned int lower) {
-    using BYTES = BIG_SIXTEEN_DIGITS::BYTES;
-    unsigned long long first = 0;
-    unsigned long long second = 0;
 #if defined(__SSE2__) && !defined(BIG_PORTABLE)
     __m128i const number = _mm_set_epi64x(lower, upper);
     __m128i const thousands =
@@ -133,14 +120,11 @@ inline BIG_SIXTEEN_DIGITS big_sixteen_digits(unsigned int upper, unsigned int lo
     __m128i const tens = _mm_mulhi_epu16(twos, _mm_set1_epi16(6554));
     __m128i const ones = _mm_sub_epi16(twos, _mm_mullo_epi16(tens, _mm_set1_epi16(10)));
     __m128i const digits = _mm_or_si128(tens, _mm_slli_epi16(ones, 8));
-    first = static_cast<unsigned long long>(_mm_cvtsi128_si64(digits));
-    second = static_cast<unsigned long long>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(digits, digits)));
+    return {static_cast<unsigned long long>(_mm_cvtsi128_si64(digits)),
+            static_cast<unsigned long long>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(digits, digits)))};
 #else
-    first = big_eight_digits(upper);
-    second = big_eight_digits(lower);
+    return {big_eight_digits(upper), big_eight_digits(lower)};
 #endif
-    constexpr unsigned long long zeros = 0x3030'3030'3030'3030ull;
-    return {static_cast<BYTES>(second | zeros) << 64 | (first | zeros)};
 }
 
 /// The digits of a number below 10^16.
@@ -170,13 +154,14 @@ inline std::size_t big_digit_count(unsigned long long value) {
     return digits + (value >= longer_than[digits] ? 1 : 0);
 }
 
-/// The most that big_assign_text() has room for.
+/// The longest text that big_assign_text() takes.
 inline constexpr std::size_t BIG_TEXT_ROOM = 64;
 
 /// Makes a text the whole content of a string, in place where the standard library can.
 ///
-/// @param room  what `write` may overwrite: at most BIG_TEXT_ROOM characters, and the zero byte
-///              behind them. A new string holds 15 without an allocation.
+/// @param room  how many characters `write` may overwrite, besides the zero byte behind them; of
+///              these it overwrites at most BIG_TEXT_ROOM. A new string holds 15 without an
+///              allocation.
 /// @param write `std::size_t (char* to)`: writes the text and returns its length
 template <typename WRITE>
 void big_assign_text(std::string* out, std::size_t room, WRITE write) {
@@ -189,55 +174,72 @@ void big_assign_text(std::string* out, std::size_t room, WRITE write) {
 #endif
 }
 
-/// Writes a number without leading zeros and returns its end. The 16 bytes at `to` are overwritten.
+/// Writes a number that has `count` digits. Eight bytes at `to` are overwritten at least.
+inline void big_put_digits(char* to, unsigned long long number, std::size_t count) {
+    constexpr unsigned long long ten_to_8 = 100000000;
+    unsigned long long upper = number / ten_to_8;
+    unsigned long long const lower = number % ten_to_8;
+    if (count > 16) {
+        auto const top = static_cast<unsigned int>(upper / ten_to_8); // at most 1844
+        upper %= ten_to_8;
+        big_store_eight_digits(to, big_eight_digits(top) >> 8 * (24 - count));
+        to += count - 16;
+        count = 16;
+    }
+    // Leading zeros are shifted out. Where no digit stands in front of the last eight, eight zeros
+    // would be: they stay, and the last eight overwrite them.
+    BIG_SIXTEEN_DIGITS const digits =
+        big_sixteen_digits(static_cast<unsigned int>(upper), static_cast<unsigned int>(lower));
+    std::size_t const behind = std::min<std::size_t>(count, 8);
+    std::size_t const front = count - behind;
+    big_store_eight_digits(to, digits.m_upper >> 8 * (8 - front) % 64);
+    big_store_eight_digits(to + front, digits.m_lower >> 8 * (8 - behind));
+}
+
+/// Writes a number without leading zeros and returns its end. Eight bytes at `to` are overwritten
+/// at least.
 inline char* big_put_number(char* to, unsigned long long number) {
-    constexpr unsigned long long ten_to_16 = 10000000000000000;
-    if (number < 100000000) {
-        unsigned long long const digits = big_eight_digits(static_cast<unsigned int>(number));
-        // A leading zero is a byte of 0 at the lower end; the last digit is not asked.
-        int const zeros = std::countr_zero(digits | 1ull << 56) / 8;
-        big_store_eight_digits(to, digits >> 8 * zeros);
-        return to + 8 - zeros;
-    }
-    if (number >= ten_to_16) {
-        char* const middle = big_put_number(to, number / ten_to_16); // at most 1844
-        big_sixteen_digits(number % ten_to_16).store(middle);
-        return middle + 16;
-    }
-    std::size_t const length = big_digit_count(number);
-    BIG_SIXTEEN_DIGITS digits = big_sixteen_digits(number);
-    digits.drop_zeros(16 - length);
-    digits.store(to);
-    return to + length;
+    std::size_t const count = big_digit_count(number);
+    big_put_digits(to, number, count);
+    return to + count;
+}
+
+/// Writes a number that has `count` digits, with a minus sign or not, and returns its length. Nine
+/// bytes at `to` are overwritten at least.
+inline std::size_t big_put_signed_digits(char* to, unsigned long long magnitude, bool negative,
+                                         std::size_t count) {
+    *to = '-'; // which the first digit overwrites when there is no sign
+    std::size_t const signs = negative ? 1 : 0;
+    big_put_digits(to + signs, magnitude, count);
+    return signs + count;
+}
+
+/// A number's text, with a minus sign or not.
+inline std::string big_number_text(unsigned long long magnitude, bool negative) {
+    constexpr std::size_t least_room = 15; // a longer text needs an allocation
+    std::size_t const digits = big_digit_count(magnitude);
+    std::string text;
+    big_assign_text(&text, std::max(digits + (negative ? 1 : 0), least_room), [=](char* to) {
+        return big_put_signed_digits(to, magnitude, negative, digits);
+    });
+    return text;
+}
+
+/// What big_assign_number() does when there is too little room. It stands by itself, so that what
+/// is done for every number needs no registers for this.
+[[gnu::noinline]] inline void
+big_assign_number_elsewhere(std::string* out, unsigned long long magnitude, bool negative) {
+    *out = big_number_text(magnitude, negative);
 }
 
 /// Makes a number's text, with a minus sign or not, the whole content of a string.
 inline void big_assign_number(std::string* out, unsigned long long magnitude, bool negative) {
-    constexpr std::size_t short_text = 16; // with the zero byte that ends a string
     std::size_t const digits = big_digit_count(magnitude);
-    std::size_t const length = digits + (negative ? 1 : 0);
-    auto const low = static_cast<unsigned int>(magnitude % 100000000);
-    unsigned long long const upper = magnitude / 100000000;
-    if (length < short_text) {
-        BIG_SIXTEEN_DIGITS text = big_sixteen_digits(static_cast<unsigned int>(upper), low);
-        text.drop_zeros(16 - length); // but the one in whose place a sign comes
-        text.put_minus_if(negative);
-        big_assign_text(out, short_text - 1, [&](char* to) {
-            text.store(to);
-            return length;
-        });
-        return;
-    }
-    // Up to 16 digits in front of the last 8
-    BIG_SIXTEEN_DIGITS front = big_sixteen_digits(static_cast<unsigned int>(upper / 100000000),
-                                                  static_cast<unsigned int>(upper % 100000000));
-    front.drop_zeros(24 - digits);
-    big_assign_text(out, length, [&](char* to) {
-        *to = '-'; // which the first digit overwrites when there is no sign
-        char* const first = to + (negative ? 1 : 0);
-        front.store(first);
-        big_store_eight_digits(first + digits - 8, big_eight_digits(low));
-        return length;
+    std::size_t const room = out->capacity();
+    if (room < digits + (negative ? 1 : 0) || room < 9)
+        return big_assign_number_elsewhere(out, magnitude, negative);
+    big_assign_text(out, room, [=](char* to) {
+        return big_put_signed_digits(to, magnitude, negative, digits);
     });
 }
 

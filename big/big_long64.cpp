@@ -15,9 +15,7 @@ std::string* big_long64_to_string(long long value, std::string* out) {
 }
 
 std::string big_long64_to_string(long long value) {
-    std::string text;
-    big_assign_number(&text, big_magnitude(value), value < 0);
-    return text;
+    return big_number_text(big_magnitude(value), value < 0);
 }
 
 // A minus sign counts wherever it stands, and several count as one. There is no other check: a

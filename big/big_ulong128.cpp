@@ -177,13 +177,11 @@ void assign_digits(std::string* out, WIDE value) {
     unsigned long long const middle = take_quotient_by_ten_to_16(value);
     BIG_SIXTEEN_DIGITS const lower_digits =
         big_sixteen_digits(static_cast<unsigned long long>(value));
-    BIG_SIXTEEN_DIGITS middle_digits = big_sixteen_digits(middle);
 
     if (top == 0) { // and the middle is not
         std::size_t const length = big_digit_count(middle);
-        middle_digits.drop_zeros(16 - length);
         big_assign_text(out, length + 16, [&](char* to) {
-            middle_digits.store(to);
+            big_put_digits(to, middle, length);
             lower_digits.store(to + length);
             return length + 16;
         });
@@ -193,7 +191,7 @@ void assign_digits(std::string* out, WIDE value) {
     unsigned long long const top_digits = big_eight_digits(top) >> 8 * (8 - length);
     big_assign_text(out, length + 32, [&](char* to) {
         big_store_eight_digits(to, top_digits);
-        middle_digits.store(to + length);
+        big_sixteen_digits(middle).store(to + length);
         lower_digits.store(to + length + 16);
         return length + 32;
     });

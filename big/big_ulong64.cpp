@@ -14,9 +14,7 @@ std::string* big_ulong64_to_string(unsigned long long value, std::string* out) {
 }
 
 std::string big_ulong64_to_string(unsigned long long value) {
-    std::string text;
-    big_assign_number(&text, value, false);
-    return text;
+    return big_number_text(value, false);
 }
 
 //     text := { digit | other }
