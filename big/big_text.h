@@ -22,7 +22,8 @@ inline bool big_is_digit(char c) {
 /// The magnitude of a signed number; that of -2^63 is 2^63.
 inline unsigned long long big_magnitude(long long value) {
     auto const bits = static_cast<unsigned long long>(value);
-    return value < 0 ? 0 - bits : bits;
+    unsigned long long const ones_if_negative = 0 - (bits >> 63);
+    return (bits ^ ones_if_negative) - ones_if_negative; // no branch: signs come in no order
 }
 
 /// The number of this magnitude with a sign, in two's complement.
