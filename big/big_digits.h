@@ -77,6 +77,12 @@ inline void big_store_eight_digits(char* to, unsigned long long digits) {
     std::memcpy(to, &text, sizeof text);
 }
 
+/// Writes the last digits of a number below 10^8, the first `left_out` of eight left out. Eight
+/// characters at the place are overwritten.
+inline void big_write_last_of_eight(char* to, unsigned int number, std::size_t left_out) {
+    big_store_eight_digits(to, big_eight_digits(number) >> 8 * left_out);
+}
+
 // ------------------------------------------------------------------------------------------------
 // Sixteen digits
 // ------------------------------------------------------------------------------------------------
@@ -182,7 +188,7 @@ inline void big_put_digits(char* to, unsigned long long number, std::size_t coun
     if (count > 16) {
         auto const top = static_cast<unsigned int>(upper / ten_to_8); // at most 1844
         upper %= ten_to_8;
-        big_store_eight_digits(to, big_eight_digits(top) >> 8 * (24 - count));
+        big_write_last_of_eight(to, top, 24 - count);
         to += count - 16;
         count = 16;
     }

@@ -585,13 +585,6 @@ inline bool read_decimal(char const* text, std::size_t n, WORD* limbs) {
     return n == 0 || read_decimal_digits(text, n, *limbs);
 }
 
-/// Writes the last digits of a number below 10^8, the first `left_out` of eight left out. Eight
-/// characters at the place are overwritten.
-inline void write_last_of_eight(WORD number, std::size_t left_out, char* text) {
-    big_store_eight_digits(text,
-                           big_eight_digits(static_cast<unsigned int>(number)) >> 8 * left_out);
-}
-
 /// Writes a number of at most n decimal digits, n at most 20, with zeros in front.
 inline void write_decimal_digits(WORD number, std::size_t n, char* text) {
     if (n < 8) {
@@ -601,10 +594,10 @@ inline void write_decimal_digits(WORD number, std::size_t n, char* text) {
     }
     // The first digits are written as eight; what these are too many is written over.
     if (n < 16) {
-        write_last_of_eight(number / TEN_TO_8, (16 - n) % 8, text);
-        write_last_of_eight(number % TEN_TO_8, 0, text + n - 8);
+        big_write_last_of_eight(text, static_cast<unsigned int>(number / TEN_TO_8), (16 - n) % 8);
+        big_write_last_of_eight(text + n - 8, static_cast<unsigned int>(number % TEN_TO_8), 0);
     } else {
-        write_last_of_eight(number / TEN_TO_16, (24 - n) % 8, text);
+        big_write_last_of_eight(text, static_cast<unsigned int>(number / TEN_TO_16), (24 - n) % 8);
         big_sixteen_digits(number % TEN_TO_16).store(text + n - 16);
     }
 }
@@ -617,7 +610,7 @@ constexpr std::size_t LONGEST_DECIMAL = 33;
 inline char* write_decimal_before(WORD number, char* end) {
     char* const begin = end - big_digit_count(number);
     if (number < TEN_TO_8) {
-        write_last_of_eight(number, 0, end - 8);
+        big_write_last_of_eight(end - 8, static_cast<unsigned int>(number), 0);
         return begin;
     }
     do {

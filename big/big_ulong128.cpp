@@ -188,9 +188,8 @@ void assign_digits(std::string* out, WIDE value) {
         return;
     }
     std::size_t const length = big_digit_count(top);
-    unsigned long long const top_digits = big_eight_digits(top) >> 8 * (8 - length);
     big_assign_text(out, length + 32, [&](char* to) {
-        big_store_eight_digits(to, top_digits);
+        big_write_last_of_eight(to, top, 8 - length);
         big_sixteen_digits(middle).store(to + length);
         lower_digits.store(to + length + 16);
         return length + 32;

@@ -243,9 +243,10 @@ TEST(BigRadixDigits, EveryFourDecimalDigitsAreWrittenInEitherHalfOfEight) {
     for (WORD number = 0; number < 10000; ++number) {
         std::string const four = std::to_string(10000 + number).substr(1);
         std::string text(8, '?');
-        write_last_of_eight(number, 0, text.data());
+        big_write_last_of_eight(text.data(), static_cast<unsigned int>(number), 0);
         ASSERT_EQ(text, "0000" + four);
-        write_last_of_eight(10000 * number + 9999 - number, 0, text.data());
+        big_write_last_of_eight(text.data(),
+                                static_cast<unsigned int>(10000 * number + 9999 - number), 0);
         ASSERT_EQ(text, four + std::to_string(19999 - number).substr(1));
     }
 }
