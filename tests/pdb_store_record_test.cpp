@@ -4,11 +4,11 @@
 
 #include "big_fraction_sys.h"
 #include "big_sys.h"
+#include "crc_by_bits.h"
 #include "store_text.h"
 #include "stored_classes.h"
 
 #include <climits>
-#include <random>
 
 namespace {
 
@@ -34,36 +34,6 @@ using TEXTS = std::vector<std::string>;
 // ------------------------------------------------------------------------------------------------
 // Checksums
 // ------------------------------------------------------------------------------------------------
-
-/// Bit by bit, as the standard describes it.
-std::uint64_t crc_by_bits(std::string_view bytes) {
-    std::uint64_t state = ~0ull;
-    for (char const c : bytes) {
-        state ^= static_cast<unsigned char>(c);
-        for (int bit = 0; bit < 8; ++bit)
-            state = (state >> 1) ^ ((state & 1) != 0 ? 0xc96c5795d7870f42 : 0);
-    }
-    return ~state;
-}
-
-TEST(StoreChecksum, IsThatOfTheStandard) {
-    EXPECT_EQ(CHECKSUM().value(), 0u);
-    EXPECT_EQ(CHECKSUM().add("123456789").value(), 0x995dc9bbdf1939fa);
-}
-
-TEST(StoreChecksum, IsThatOfTheBytesInWhateverPieces) {
-    std::mt19937 random(1);
-    for (std::size_t length = 0; length < 40; ++length) {
-        std::string bytes;
-        for (std::size_t i = 0; i < length; ++i)
-            bytes += static_cast<char>(random());
-        for (std::size_t cut = 0; cut <= length; ++cut)
-            EXPECT_EQ(CHECKSUM().add(bytes.substr(0, cut)).add(bytes.substr(cut)).value(),
-                      crc_by_bits(bytes));
-    }
-    EXPECT_EQ(CHECKSUM().add(std::uint64_t{0x3132333435363738}).add("9").value(),
-              crc_by_bits("123456789"));
-}
 
 /// A number in its bytes, the highest first.
 std::string bytes_of(std::uint64_t number, int count = 8) {

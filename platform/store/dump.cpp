@@ -10,6 +10,7 @@
 // in 16 hexadecimal digits, ID 0x and 8 digits, CHECKSUM 16 digits. The last line counts the names;
 // its CHECKSUM is that of all lines in front of it with their line feeds, and may be left out.
 
+#include "checksum.h"
 #include "mem_sys.h"
 #include "store_state.h"
 #include "store_text.h"

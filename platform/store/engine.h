@@ -59,6 +59,7 @@ public:
         m_names += name;
         m_ends.push_back(m_names.size());
         m_checksums.push_back(checksum);
+        m_columns = columns;
         m_cells.resize(m_cells.size() + columns);
         return m_cells.data() + m_cells.size() - columns;
     }
@@ -67,14 +68,13 @@ public:
         std::size_t const begin = row == 0 ? 0 : m_ends[row - 1];
         return std::string_view(m_names).substr(begin, m_ends[row] - begin);
     }
-    CELL const* cells(std::size_t row) const {
-        return m_cells.data() + row * (m_cells.size() / size());
-    }
+    CELL const* cells(std::size_t row) const { return m_cells.data() + row * m_columns; }
     std::uint64_t checksum(std::size_t row) const { return m_checksums[row]; }
 
 private:
     std::string m_names;
     std::vector<std::size_t> m_ends; ///< of the names
+    std::size_t m_columns = 0;
     std::vector<CELL> m_cells;
     std::vector<std::uint64_t> m_checksums;
 };

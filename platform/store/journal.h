@@ -16,7 +16,7 @@
 /// a CHECKSUM of the header and the records, in the eight bytes behind the header, which SQLite
 /// leaves alone. A section without a seal was never needed, or another program wrote it.
 
-#include "record.h"
+#include "checksum.h"
 
 #include <string>
 

@@ -9,6 +9,7 @@
 // Checksums of arrays and elements were those of format1_array_checksum() and
 // format1_element_checksum().
 
+#include "checksum.h"
 #include "files.h"
 #include "sqlite_format.h"
 
@@ -37,14 +38,13 @@ std::uint64_t format1_array_checksum(STORED_CLASS const& stored, std::string_vie
 
 std::uint64_t format1_element_checksum(STORED_CLASS const& stored, std::string_view name,
                                        std::uint64_t index, CELL const* cells) {
-    CHECKSUM checksum = CHECKSUM()
-                            .add(std::uint64_t{stored.id} << 32 | FORMAT1_ELEMENT)
-                            .add(name.size())
-                            .add(name)
-                            .add(index);
-    for (std::size_t i = 0; i < stored.members.size(); ++i)
-        checksum.add(cells[i]);
-    return checksum.value();
+    return CHECKSUM()
+        .add(std::uint64_t{stored.id} << 32 | FORMAT1_ELEMENT)
+        .add(name.size())
+        .add(name)
+        .add(index)
+        .add(cells, stored.members.size())
+        .value();
 }
 
 /// A class of a store of format 1 and the statements that read what is of it.

@@ -2,9 +2,9 @@
 
 #include "pages.h"
 
+#include "checksum.h"
 #include "journal.h"
 #include "passing_vfs.h"
-#include "record.h"
 
 #include <atomic>
 #include <cstdint>

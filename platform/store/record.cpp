@@ -2,6 +2,7 @@
 
 #include "record.h"
 
+#include "checksum.h"
 #include "store_text.h"
 
 #include <algorithm>
@@ -341,16 +342,6 @@ bool read_members(std::string_view text, std::vector<STORED_MEMBER>& members) {
 // Packed records
 // ------------------------------------------------------------------------------------------------
 
-namespace {
-
-/// A number whose bytes in memory are those of the argument, the highest first.
-std::uint64_t highest_byte_first(std::uint64_t number) {
-    static_assert(std::endian::native == std::endian::little);
-    return __builtin_bswap64(number);
-}
-
-} // namespace
-
 std::uint64_t elements_in_chunk(STORED_CLASS const& stored) {
     constexpr std::size_t CHUNK_SIZE = 32768;
     return std::max<std::uint64_t>(1, CHUNK_SIZE / std::max<std::size_t>(1, stored.packed_size()));
@@ -384,61 +375,6 @@ void unpack(STORED_CLASS const& stored, char const* bytes, CELL* cells) {
 
 namespace {
 
-constexpr std::uint64_t REFLECTED_POLYNOMIAL = 0xc96c5795d7870f42; // of ECMA-182
-
-/// TABLES[k][b]: what the byte b does to the state when k bytes follow it in a group of eight.
-using CRC_TABLES = std::array<std::array<std::uint64_t, 256>, 8>;
-
-constexpr CRC_TABLES make_tables() {
-    CRC_TABLES tables{};
-    for (std::uint64_t byte = 0; byte < 256; ++byte) {
-        std::uint64_t state = byte;
-        for (int bit = 0; bit < 8; ++bit)
-            state = (state & 1) != 0 ? (state >> 1) ^ REFLECTED_POLYNOMIAL : state >> 1;
-        tables[0][byte] = state;
-    }
-    for (std::size_t k = 1; k < tables.size(); ++k)
-        for (std::size_t byte = 0; byte < 256; ++byte)
-            tables[k][byte] = (tables[k - 1][byte] >> 8) ^ tables[0][tables[k - 1][byte] & 255];
-    return tables;
-}
-
-constexpr CRC_TABLES TABLES = make_tables();
-
-} // namespace
-
-// Takes up to eight bytes at once, the first of them lowest, with one table for each place among
-// them (Kounavis and Berry, "A Systematic Approach to Building High Performance Software-Based CRC
-// Generators", 2005).
-[[gnu::always_inline]] inline void CHECKSUM::add_group(std::uint64_t group, std::size_t bytes) {
-    group ^= m_state;
-    m_state = bytes == 8 ? 0 : m_state >> 8 * bytes;
-#pragma GCC unroll 8
-    for (std::size_t k = 0; k < bytes; ++k)
-        m_state ^= TABLES[bytes - 1 - k][group >> 8 * k & 255];
-}
-
-CHECKSUM& CHECKSUM::add(std::string_view bytes) {
-    while (bytes.size() >= 8) {
-        std::uint64_t group;
-        std::memcpy(&group, bytes.data(), 8);
-        add_group(group, 8);
-        bytes.remove_prefix(8);
-    }
-    std::uint64_t rest = 0;
-    for (std::size_t k = bytes.size(); k-- > 0;)
-        rest = rest << 8 | static_cast<unsigned char>(bytes[k]);
-    add_group(rest, bytes.size());
-    return *this;
-}
-
-CHECKSUM& CHECKSUM::add(std::uint64_t number) {
-    add_group(highest_byte_first(number), 8);
-    return *this;
-}
-
-namespace {
-
 /// What kind of record a checksum is of.
 enum RECORD_KIND : std::uint64_t { VALUE_RECORD = 1, ARRAY_RECORD, CHUNK_RECORD, CLASS_RECORD };
 
@@ -458,11 +394,11 @@ std::uint64_t class_checksum(STORED_CLASS const& stored) {
 }
 
 std::uint64_t value_checksum(STORED_CLASS const& stored, std::string_view name, CELL const* cells) {
-    CHECKSUM checksum = start(stored, VALUE_RECORD);
-    checksum.add(name.size()).add(name);
-    for (std::size_t i = 0; i < stored.members.size(); ++i)
-        checksum.add(cells[i]);
-    return checksum.value();
+    return start(stored, VALUE_RECORD)
+        .add(name.size())
+        .add(name)
+        .add(cells, stored.members.size())
+        .value();
 }
 
 std::uint64_t array_checksum(STORED_CLASS const& stored, std::string_view name, std::uint64_t id,

@@ -92,21 +92,6 @@ void pack(STORED_CLASS const& stored, CELL const* cells, std::string& bytes);
 /// The inverse: reads packed_size() bytes.
 void unpack(STORED_CLASS const& stored, char const* bytes, CELL* cells);
 
-/// The CRC-64 of the parts of a record: the polynomial of ECMA-182, reflected, with all bits
-/// inverted before and after ("CRC-64/XZ"; of "123456789" it is 995dc9bbdf1939fa).
-class CHECKSUM {
-public:
-    CHECKSUM& add(std::string_view bytes);
-    /// Adds a number in its eight bytes, the highest byte first.
-    CHECKSUM& add(std::uint64_t number);
-    std::uint64_t value() const { return ~m_state; }
-
-private:
-    void add_group(std::uint64_t group, std::size_t bytes);
-
-    std::uint64_t m_state = ~std::uint64_t{0};
-};
-
 // The checksum of each kind of record covers all that the record says and where it belongs.
 std::uint64_t class_checksum(STORED_CLASS const& stored);
 std::uint64_t value_checksum(STORED_CLASS const& stored, std::string_view name, CELL const* cells);

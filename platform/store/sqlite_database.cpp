@@ -199,10 +199,6 @@ sqlite3_value* STATEMENT::value(int column, int type) {
     return value;
 }
 
-std::uint64_t STATEMENT::number(int column) {
-    return static_cast<std::uint64_t>(sqlite3_value_int64(value(column, SQLITE_INTEGER)));
-}
-
 std::string_view STATEMENT::bytes(int column) {
     sqlite3_value* const blob = value(column, SQLITE_BLOB);
     auto const* const address = static_cast<char const*>(sqlite3_value_blob(blob));

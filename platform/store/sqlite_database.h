@@ -100,8 +100,13 @@ public:
     /// Gives up the rest of the rows.
     void reset() { sqlite3_reset(m_statement); }
 
-    // The columns of the row, from 0 on. One of another type is DAMAGED.
-    std::uint64_t number(int column);
+    // The columns of the row, from 0 on. Bytes or text of another type are DAMAGED.
+
+    /// A number. What is of another type is converted; that it is the right one is for a checksum
+    /// to say in any case.
+    std::uint64_t number(int column) {
+        return static_cast<std::uint64_t>(sqlite3_column_int64(m_statement, column));
+    }
     std::string_view bytes(int column);
     std::string_view text(int column);
 

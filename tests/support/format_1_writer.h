@@ -4,6 +4,7 @@
 /// @file
 /// Store files of format 1, which the library reads but no longer writes.
 
+#include "checksum.h"
 #include "record.h"
 
 #include <string>
