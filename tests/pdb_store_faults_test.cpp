@@ -232,6 +232,10 @@ TEST_P(PdbStoreFaults, AFailedSaveIsReportedAndTheOldContentStays) {
     }
 }
 
+bool has_text(PDB_STORE_ERROR const& error, std::string const& text) {
+    return std::string(error.what()).find(text) != std::string::npos;
+}
+
 /// Where a file takes its place under another name, that may fail, too.
 class PdbStoreNewFileFaults : public testing::TestWithParam<FAILING_CALL> {};
 
@@ -251,6 +255,9 @@ TEST_P(PdbStoreNewFileFaults, AStoreIsMadeWholeOrNotAtAll) {
         } catch (PDB_STORE_ERROR const& error) {
             has_reported = true;
             EXPECT_EQ(error.kind(), PDB_STORE_ERROR::SYSTEM) << error.what();
+            EXPECT_TRUE(failing.call != FILE_CALL::SYNC_FOLDER
+                        || has_text(error, ": it is made, but bringing its folder to the disk "))
+                << error.what();
         }
         bool const has_failed = files.repair();
         for (auto const& entry : std::filesystem::directory_iterator(folder.path()))
@@ -282,6 +289,9 @@ TEST_P(PdbStoreNewFileFaults, AnOlderFormatIsMigratedWholeOrNotAtAll) {
         } catch (PDB_STORE_ERROR const& error) {
             has_reported = true;
             EXPECT_EQ(error.kind(), PDB_STORE_ERROR::SYSTEM) << error.what();
+            EXPECT_TRUE(failing.call != FILE_CALL::SYNC_FOLDER
+                        || has_text(error, ": it has the present format now, but "))
+                << error.what();
         }
         bool const has_failed = files.repair();
         auto const record = files.recorded();

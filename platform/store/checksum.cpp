@@ -124,13 +124,14 @@ namespace by_products {
 /// A polynomial of two words, the one of the higher powers first.
 using WORDS = __m128i;
 
-/// The remainder of x^n.
-constexpr WORD power_of_x(int n) {
+/// The remainder of x^N.
+template <int N>
+constexpr WORD POWER_OF_X = [] {
     WORD remainder = WORD{1} << 63; // of x^0
-    for (; n > 0; --n)
+    for (int n = 0; n < N; ++n)
         remainder = times_x(remainder);
     return remainder;
-}
+}();
 
 /// The quotient of x^128 by ECMA-182's polynomial, without its x^64.
 constexpr WORD QUOTIENT_OF_X128 = [] {
@@ -151,19 +152,20 @@ BIG_TARGET inline WORDS load_words(char const* bytes) {
     return _mm_loadu_si128(reinterpret_cast<WORDS const*>(bytes));
 }
 
-// A product of two words lacks a bit that two words have, and so is the polynomials' divided by x.
+// A product of two words lacks a bit that two words have: read as two words it is the polynomials'
+// product times x.
 
 /// Two words times x^N, as two words that have the same remainder.
 template <int N>
 BIG_TARGET inline WORDS times_power(WORDS words) {
-    WORDS const powers = words_of(power_of_x(N + 63), power_of_x(N - 1));
+    WORDS const powers = words_of(POWER_OF_X<N + 63>, POWER_OF_X<N - 1>);
     return _mm_xor_si128(_mm_clmulepi64_si128(words, powers, 0x00),
                          _mm_clmulepi64_si128(words, powers, 0x11));
 }
 
 /// The same with x^64: the low word becomes the high one.
 BIG_TARGET inline WORDS times_x64(WORDS words) {
-    WORDS const power = words_of(power_of_x(127), 0);
+    WORDS const power = words_of(POWER_OF_X<127>, 0);
     return _mm_xor_si128(_mm_clmulepi64_si128(words, power, 0x00), _mm_srli_si128(words, 8));
 }
 
@@ -174,7 +176,7 @@ BIG_TARGET inline WORD remainder(WORDS words) {
     WORDS const quotient =
         _mm_xor_si128(words, _mm_slli_epi64(_mm_clmulepi64_si128(words, constants, 0x00), 1));
     WORDS const multiple = _mm_clmulepi64_si128(quotient, constants, 0x10);
-    // The low word of the product times x
+    // The product's low word, with that x taken out
     WORDS const low =
         _mm_or_si128(_mm_slli_epi64(multiple, 1), _mm_slli_si128(_mm_srli_epi64(multiple, 63), 8));
     WORDS const difference = _mm_xor_si128(words, low);
@@ -234,7 +236,7 @@ BIG_TARGET void add_bytes(STATE& state, char const* bytes, std::size_t size) {
     WORDS const shifted = words_of(state.high >> (64 - rest) | state.low << rest,
                                    state.low >> (64 - rest) | part << rest);
     WORDS const pushed_out = words_of(state.high << rest, 0);
-    WORDS const power = words_of(power_of_x(127), 0);
+    WORDS const power = words_of(POWER_OF_X<127>, 0);
     store(_mm_xor_si128(shifted, _mm_clmulepi64_si128(pushed_out, power, 0x00)), state);
 }
 

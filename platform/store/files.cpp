@@ -97,16 +97,6 @@ int open_folder_of(std::string const& path) {
     return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
-/// Brings the names in a folder to the disk. Returns the system's error number.
-int sync_folder_of(std::string const& path) {
-    int const descriptor = open_folder_of(path);
-    if (descriptor < 0)
-        return errno;
-    int const error = ::fsync(descriptor) == 0 ? 0 : errno;
-    ::close(descriptor);
-    return error;
-}
-
 } // namespace
 
 int move_file(std::string const& from, std::string const& to, bool may_replace) {
@@ -119,7 +109,16 @@ int move_file(std::string const& from, std::string const& to, bool may_replace) 
         if (!is_unknown || ::link(from.c_str(), to.c_str()) != 0 || ::unlink(from.c_str()) != 0)
             return errno;
     }
-    return sync_folder_of(to);
+    return 0;
+}
+
+int sync_folder_of(std::string const& path) {
+    int const descriptor = open_folder_of(path);
+    if (descriptor < 0)
+        return errno;
+    int const error = ::fsync(descriptor) == 0 ? 0 : errno;
+    ::close(descriptor);
+    return error;
 }
 
 FOLDER_LOCK::FOLDER_LOCK(std::string const& file, std::chrono::milliseconds wait)

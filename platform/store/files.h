@@ -12,11 +12,16 @@
 std::string network_file_system(std::string const& path);
 
 /// Gives a file another name in one step. Nothing happens when the name is taken, unless it may be
-/// replaced. The step is on the disk when the call returns. Where the file system cannot refuse to
-/// replace a name, the file has both names for a moment.
+/// replaced. Where the file system cannot refuse to replace a name, the file has both names for a
+/// moment.
 ///
 /// @return the system's error number, EEXIST for a name that is taken; 0 when it is done
 int move_file(std::string const& from, std::string const& to, bool may_replace);
+
+/// Brings the names in the folder of a file to the disk.
+///
+/// @return the system's error number; 0 when it is done
+int sync_folder_of(std::string const& path);
 
 /// Keeps a folder to one holder at a time, of all that ask for it so: handles, threads and
 /// programs. It ends with the object, or with the program.

@@ -280,6 +280,11 @@ void migrate_from_format_1(std::string const& path, std::string const& shown_as,
             original.fail(PDB_STORE_ERROR::SYSTEM,
                           "the copy in the present format cannot take its place: "
                               + std::generic_category().message(error));
+        if (int const error = sync_folder_of(path))
+            original.fail(PDB_STORE_ERROR::SYSTEM,
+                          "it has the present format now, but bringing its folder to the disk "
+                          "failed, so that a loss of power may take that back: "
+                              + std::generic_category().message(error));
     } catch (...) {
         remove_store_file(copy_path);
         throw;

@@ -701,6 +701,11 @@ void create_store(std::string const& path, std::string const& shown_as,
             fail(shown_as, PDB_STORE_ERROR::SYSTEM, "it cannot be made: " + system_text(error));
         if (error == EEXIST)
             remove_store_file(temporary_path);
+        else if (int const not_synced = sync_folder_of(path))
+            fail(shown_as, PDB_STORE_ERROR::SYSTEM,
+                 "it is made, but bringing its folder to the disk failed, so that a loss of power "
+                 "may take it back: "
+                     + system_text(not_synced));
     } catch (...) {
         remove_store_file(temporary_path);
         throw;
