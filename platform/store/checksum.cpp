@@ -191,6 +191,11 @@ BIG_TARGET inline void store(WORDS words, STATE& state) {
     std::memcpy(&state, &words, sizeof state);
 }
 
+/// Adds eight bytes.
+BIG_TARGET inline WORDS add_word(WORDS words, WORD word) {
+    return _mm_xor_si128(times_x64(words), words_of(0, word));
+}
+
 /// Adds sixteen bytes.
 template <int N = 128>
 BIG_TARGET inline WORDS add_block(WORDS words, char const* bytes) {
@@ -223,27 +228,26 @@ BIG_TARGET void add_bytes(STATE& state, char const* bytes, std::size_t size) {
     for (; size >= 16; size -= 16, bytes += 16)
         words = add_block(words, bytes);
     if (size >= 8) {
-        words = _mm_xor_si128(times_x64(words), words_of(0, load_word(bytes)));
+        words = add_word(words, load_word(bytes));
         size -= 8;
         bytes += 8;
     }
     store(words, state);
     if (size == 0)
         return;
-    // As many bytes of the high word are pushed out above x^127.
+    // As many bytes of the high word are pushed out above x^127: a high word times x^64.
     std::size_t const rest = 64 - 8 * size;
     WORD const part = load_part(bytes, size);
     WORDS const shifted = words_of(state.high >> (64 - rest) | state.low << rest,
                                    state.low >> (64 - rest) | part << rest);
     WORDS const pushed_out = words_of(state.high << rest, 0);
-    WORDS const power = words_of(POWER_OF_X<127>, 0);
-    store(_mm_xor_si128(shifted, _mm_clmulepi64_si128(pushed_out, power, 0x00)), state);
+    store(_mm_xor_si128(shifted, times_x64(pushed_out)), state);
 }
 
 BIG_TARGET void add_numbers(STATE& state, WORD const* numbers, std::size_t count) {
     WORDS words = load(state);
     for (std::size_t i = 0; i < count; ++i)
-        words = _mm_xor_si128(times_x64(words), words_of(0, highest_byte_first(numbers[i])));
+        words = add_word(words, highest_byte_first(numbers[i]));
     store(words, state);
 }
 

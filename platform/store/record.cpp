@@ -7,12 +7,9 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <memory>
-#include <new>
 #include <set>
 
 #include <cxxabi.h>

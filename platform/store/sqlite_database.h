@@ -102,8 +102,8 @@ public:
 
     // The columns of the row, from 0 on. Bytes or text of another type are DAMAGED.
 
-    /// A number. What is of another type is converted; that it is the right one is for a checksum
-    /// to say in any case.
+    /// A number. What is of another type is converted; that it is the right one is for the
+    /// checksums to say in any case.
     std::uint64_t number(int column) {
         return static_cast<std::uint64_t>(sqlite3_column_int64(m_statement, column));
     }
